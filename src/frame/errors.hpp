@@ -1,0 +1,46 @@
+// Error codes of the library. 0 is success, negative values are errors,
+// positive values of the same magnitude are warnings whose outputs are valid.
+#pragma once
+#include <cstdint>
+
+namespace jq {
+
+enum Code : int32_t {
+  kOk = 0,
+  kNoMemory = -20001,           // a host resize or an internal allocation failed
+  kLengthMismatch = -20002,     // two inputs that must have the same length do not
+  kEmptyInput = -20003,         // an input that must hold data is empty
+  kNegativeSize = -20004,       // a dimension, length or count is negative
+  kFewerThan2 = -20006,
+  kFewerThan3 = -20007,
+  kSizeMismatch = -20008,       // element-wise inputs differ, or an output size below 1
+  kTooLarge = -20010,           // a requested size exceeds 0x800000
+  kNotInHalfRange = -20012,     // a value outside (0, n/2]
+  kIndexOutsideRange = -20013,  // an index or count outside [1, n-1]
+  kSpanOutside = -20014,        // a start and a length lie outside the array
+  kNonPositiveSpacing = -20016,
+  kIndexBeyond = -20017,        // an index or offset at or beyond its dimension
+  kBadOrder = -20021,           // an order, count or number of taps below 1
+  kRankOutside = -20022,        // a rank k outside [1, n]
+  kNonPositiveLog = -20027,     // a logarithm's argument is zero or negative
+  kMustBeOdd = -20033,
+  kDimMismatch = -20040,        // first pair of matrix dimensions compared
+  kSingular = -20041,
+  kNotInUnitInterval = -20053,  // a value must lie strictly between 0 and 1
+  kComplexDivByZero = -20060,
+  kBadSelector = -20061,        // a selector or parameter outside its allowed set
+  kTooFewPoints = -20063,       // points, samples or iterations below 1
+  kDimMismatch2 = -20070,       // second pair of matrix dimensions compared
+  kFewerThan4 = -20069,
+  kHistogramRange = -20101,     // histogram minimum above maximum
+  kNonFiniteData = -20104,      // data holding an infinity or NaN
+  kBadTransformLength = -20115,
+  kBadShape = -20140,           // a shape parameter that must be positive is not
+  kInternal = -20999,           // FFT table length mismatch, or the table lock failed
+
+  kWarnLengthMismatch = 20004,  // warning: lengths differ, result still valid
+
+  // Codes raised by particular routines are added below, grouped by subsystem.
+};
+
+}  // namespace jq
