@@ -25,5 +25,7 @@ inline void section(const char* title) { std::printf("\n== %s ==\n", title); }
 
 // One section per family, each in its own file.
 void statistics(void* lib);
+void waveforms(void* lib);
+void windows(void* lib);
 
 }  // namespace demo

@@ -15,5 +15,7 @@ int main() {
   }
   std::printf("jqdemo: analysis library loaded and bound to the host runtime\n");
   demo::statistics(lib);
+  demo::waveforms(lib);
+  demo::windows(lib);
   return 0;
 }

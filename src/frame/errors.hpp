@@ -41,6 +41,11 @@ enum Code : int32_t {
   kWarnLengthMismatch = 20004,  // warning: lengths differ, result still valid
 
   // Codes raised by particular routines are added below, grouped by subsystem.
+
+  // Signal generation: waveforms and patterns.
+  kRampExcludedEmpty = -20005,  // a ramp without its end point needs at least one sample
+  kNonPositiveDuty = -20011,    // a square pattern's duty cycle is zero or negative
+  kNonFinitePhase = -20068,     // a wave's phase or frequency is NaN or infinite
 };
 
 }  // namespace jq
