@@ -39,5 +39,6 @@ typedef struct JQErrorCluster {
 
 #include "jqanlys/frame.h"
 #include "jqanlys/stats.h"
+#include "jqanlys/transforms.h"
 
 #endif
