@@ -13,7 +13,7 @@ void statistics(void* lib) {
 
   const int n = 1000;
   jqrt::Array<double> x(n);
-  for (int i = 0; i < n; ++i) x[i] = 0.5 + 2.0 * std::sin(2 * M_PI * 50.0 * i / 1000.0);
+  for (int i = 0; i < n; ++i) x[i] = 0.5 + 2.0 * std::sin(2 * 3.141592653589793 * 50.0 * i / 1000.0);
   section("Descriptive statistics of 0.5 + 2 sin(2 pi 50 t), 1000 samples at 1 kHz");
   double m = 0, r = 0;
   int32_t err = 0;

@@ -15,9 +15,9 @@ list(REMOVE_DUPLICATES declared)
 
 if(WINDOWS)
   execute_process(COMMAND ${DUMP} -p ${LIBRARY} OUTPUT_VARIABLE dump RESULT_VARIABLE rc)
-  # The export table lists "[ordinal] name" lines after "[Ordinal/Name Pointer] Table".
-  string(REGEX MATCH "Ordinal/Name Pointer\\] Table[^\n]*\n(.*)" tail "${dump}")
-  string(REGEX MATCHALL "\\[ *[0-9]+\\] [A-Za-z_][A-Za-z0-9_]*" entries "${CMAKE_MATCH_1}")
+  # The export table lists "[ordinal] name" lines after "[Ordinal/Name Pointer] Table", up to a blank line.
+  string(REGEX MATCH "Ordinal/Name Pointer\\] Table[^\n]*\n([^\n]+\n)*" table "${dump}")
+  string(REGEX MATCHALL "\\[ *[0-9]+\\] [A-Za-z_][A-Za-z0-9_]*" entries "${table}")
   set(exported)
   foreach(e ${entries})
     string(REGEX REPLACE "^\\[ *[0-9]+\\] " "" name "${e}")

@@ -6,6 +6,17 @@
 
 #include "load.h"
 
+#ifdef PROBE_IS_HOST
+/* This variant is itself a host: the process module exports the marker and
+ * NumericArrayResize, so only a module named by SetJQRTModule can make the
+ * binding fail. */
+PROBE_EXPORT const int32_t gJQRTVersion = 1;
+PROBE_EXPORT int32_t NumericArrayResize(int32_t type, int32_t dims, uint8_t*** handle, size_t count) {
+  (void)type; (void)dims; (void)handle; (void)count;
+  return 2;
+}
+#endif
+
 typedef void (*SetModuleFn)(void*);
 typedef int32_t (*HistFn)(uint8_t**, int32_t*, uint8_t**, uint8_t**, int32_t*);
 

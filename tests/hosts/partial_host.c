@@ -2,7 +2,6 @@
 #include <stdint.h>
 #include "load.h"
 
-PROBE_EXPORT const int32_t gJQRTVersion = 1;
 PROBE_EXPORT int32_t RTSetCleanupProc(int32_t (*proc)(void*), void* instance, int32_t mode) {
   (void)proc; (void)instance; (void)mode;
   return 0;
