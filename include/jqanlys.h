@@ -39,6 +39,7 @@ typedef struct JQErrorCluster {
 
 #include "jqanlys/frame.h"
 #include "jqanlys/stats.h"
+#include "jqanlys/transforms.h"
 #include "jqanlys/waveforms.h"
 #include "jqanlys/windows.h"
 
