@@ -1,12 +1,28 @@
 #!/usr/bin/python3
 """Expected waveform sequences, computed independently of the library.
 
+Sines and cosines are correctly rounded (mpmath at 60 digits), as the
+library's are on every platform.
+
 A plain re-implementation of the continuous waves (the sine recurrence, the
 phase reduction, the kept phase) and the chirp, with the same operation
 order, so that the library's samples must agree bit for bit. Run:
     /usr/bin/python3 tools/waves_reference.py > tests/generation/waves_reference.hpp
 """
 import math
+
+import mpmath
+
+mpmath.mp.dps = 60
+
+
+def sin(x):
+    """The correctly rounded sine of a double."""
+    return float(mpmath.sin(mpmath.mpf(x)))
+
+
+def cos(x):
+    return float(mpmath.cos(mpmath.mpf(x)))
 
 DEG = 0.017453292519943295
 
@@ -27,13 +43,13 @@ def next_phase(p0, n, f):
 def sine(n, a, f, phase):
     th = phase * DEG
     w = 2.0 * math.pi * f
-    k = 2.0 * math.sin(w)
-    s = [a * math.sin(th)]
+    k = 2.0 * sin(w)
+    s = [a * sin(th)]
     if n > 1:
         lim = abs(a)
-        c = [a * math.cos(th)]
-        s.append(a * math.sin(th + w))
-        c.append(a * math.cos(th + w))
+        c = [a * cos(th)]
+        s.append(a * sin(th + w))
+        c.append(a * cos(th + w))
         for i in range(2, n):
             v = s[i - 2] + k * c[i - 1]
             v = min(max(v, -lim), lim)
@@ -89,7 +105,7 @@ def arbitrary(n, a, f, phase, interp):
 
 def chirp(n, a, f1, f2):
     step = (f2 - f1) * math.pi / n
-    return [a * math.sin((i * step + 2 * math.pi * f1) * i) for i in range(n)], 0.0
+    return [a * sin((i * step + 2 * math.pi * f1) * i) for i in range(n)], 0.0
 
 
 # kind, n, a, f, phase (None: continue from the previous case), extra, interp
@@ -158,5 +174,15 @@ for idx, (kind, n, a, f, p, extra, interp) in enumerate(CASES):
         "true" if chained else "false", idx, float(phase).hex()))
 print("inline constexpr WaveCase kWaves[] = {")
 print("\n".join(rows))
+print("};")
+# Hard arguments for the sine and cosine: multiples of pi/2 (results near 0),
+# tiny and large ones, and ones that C libraries round the wrong way.
+HARD = [k * (math.pi / 2) for k in range(-3, 9)] + [1e-9, -3e-300, 0.5, 0.7853981633974483, 1e6 + 0.3,
+        -123456.789, 1000000000.0, float.fromhex("0x1.fcc54695ff138p+9"), float.fromhex("-0x1.0e625b3c2b2d4p+8"),
+        float.fromhex("0x1.6a994f2a449a8p+9"), float.fromhex("-0x1.083e3176302b3p+10")]
+print("struct Trig { double x, sin, cos; };")
+print("inline constexpr Trig kTrig[] = {")
+for x in HARD:
+    print("  {%s, %s, %s}," % (x.hex(), sin(x).hex(), cos(x).hex()))
 print("};")
 print("}  // namespace reference")

@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "frame/errors.hpp"
+#include "generation/waves_trig.hpp"
 
 namespace jq::gen {
 namespace {
@@ -26,18 +27,19 @@ template <class Shape> int32_t phased(double* y, int32_t n, double f, double* ph
   return kOk;
 }
 
-// The sine by a two-term recurrence seeded with exact values. The clamp to
-// [-|a|, |a|] keeps rounding from growing the amplitude over long records.
+// The sine by a two-term recurrence seeded with exact values (correctly
+// rounded, the same on every platform). The clamp to [-|a|, |a|] keeps
+// rounding from growing the amplitude over long records.
 void sine_samples(double* y, int32_t n, double a, double f, double phase) {
   const double theta = phase * kDegree;
   const double w = 2.0 * kPi * f;
-  const double k = 2.0 * std::sin(w);
-  y[0] = a * std::sin(theta);
+  const double k = 2.0 * sine(w);
+  y[0] = a * sine(theta);
   if (n < 2) return;
   const double lim = std::fabs(a);
-  double s2 = y[0], c2 = a * std::cos(theta);  // s_{i-2}, c_{i-2}
-  y[1] = a * std::sin(theta + w);
-  double s1 = y[1], c1 = a * std::cos(theta + w);  // s_{i-1}, c_{i-1}
+  double s2 = y[0], c2 = a * cosine(theta);  // s_{i-2}, c_{i-2}
+  y[1] = a * sine(theta + w);
+  double s1 = y[1], c1 = a * cosine(theta + w);  // s_{i-1}, c_{i-1}
   for (int32_t i = 2; i < n; ++i) {
     double s = s2 + k * c1;
     s = s < -lim ? -lim : s > lim ? lim : s;
@@ -184,7 +186,7 @@ int32_t impulse_pattern(double* y, int32_t n, double a, int32_t delay) {
 // A linear chirp from f1 to f2 cycles per sample; no phase is kept.
 int32_t chirp(double* y, int32_t n, double a, double f1, double f2) {
   const double step = (f2 - f1) * kPi / n;
-  for (int32_t i = 0; i < n; ++i) y[i] = a * std::sin((i * step + 2 * kPi * f1) * i);
+  for (int32_t i = 0; i < n; ++i) y[i] = a * sine((i * step + 2 * kPi * f1) * i);
   return kOk;
 }
 
@@ -192,7 +194,7 @@ int32_t sinc(double* y, int32_t n, double a, double delay, double dt) {
   if (!(dt > 0)) return kNonPositiveSpacing;
   for (int32_t i = 0; i < n; ++i) {
     const double x = (i * dt - delay) * kPi;
-    y[i] = x == 0 ? a : a * std::sin(x) / x;
+    y[i] = x == 0 ? a : a * sine(x) / x;
   }
   return kOk;
 }

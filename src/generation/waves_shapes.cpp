@@ -2,6 +2,7 @@
 #include <cmath>
 
 #include "generation/waves.hpp"
+#include "generation/waves_trig.hpp"
 
 namespace jq::gen {
 namespace {
@@ -14,8 +15,8 @@ constexpr double kE = 2.718281828459045;
 // points the value is 1 for every order, even where the limit is -1.
 double periodic_sinc(double tau, double a, int32_t order) {
   const double y = tau / 2;
-  const double s = std::sin(y);
-  const double d = std::fabs(s) <= 2.220446049250313e-16 ? 1.0 : std::sin(order * y) / (order * s);
+  const double s = sine(y);
+  const double d = std::fabs(s) <= 2.220446049250313e-16 ? 1.0 : sine(order * y) / (order * s);
   return a * d;
 }
 
@@ -24,7 +25,7 @@ double periodic_sinc(double tau, double a, int32_t order) {
 double gauss_pulse(double tau, double a, double fc, double bw, double attenuation_db) {
   const double u = kPi * fc * tau;
   const double k = -5 * bw * bw / (kLn10 * attenuation_db);
-  return a * std::exp(k * (u * u)) * std::cos(2 * u);
+  return a * std::exp(k * (u * u)) * cosine(2 * u);
 }
 
 // A single triangle of the given width starting at t = 0, its peak at

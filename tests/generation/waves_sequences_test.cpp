@@ -8,6 +8,7 @@
 
 #include "jqanlys.h"
 #include "jqrt.hpp"
+#include "generation/waves_trig.hpp"
 #include "waves_reference.hpp"
 
 namespace {
@@ -178,4 +179,13 @@ TEST(ArbitraryWave, NonFiniteInputsEmptyTablesAndWrapping) {
   phase = 270;
   ASSERT_EQ(ArbitraryWaveCIN(y.h(), &n, &a, &f, &phase, table.h(), &interp, &err), 0);
   EXPECT_EQ(y.values(), (std::vector<double>{30, 30, 0, 0}));
+}
+
+TEST(PortableTrig, CorrectlyRoundedAtHardArguments) {
+  for (const reference::Trig& t : reference::kTrig) {
+    EXPECT_TRUE(same_bits(jq::gen::sine(t.x), t.sin)) << t.x;
+    EXPECT_TRUE(same_bits(jq::gen::cosine(t.x), t.cos)) << t.x;
+  }
+  EXPECT_TRUE(std::isnan(jq::gen::sine(HUGE_VAL)));
+  EXPECT_TRUE(std::isnan(jq::gen::cosine(std::nan(""))));
 }
