@@ -39,5 +39,7 @@ typedef struct JQErrorCluster {
 
 #include "jqanlys/frame.h"
 #include "jqanlys/stats.h"
+#include "jqanlys/special.h"
+#include "jqanlys/noise.h"
 
 #endif
