@@ -41,5 +41,6 @@ typedef struct JQErrorCluster {
 #include "jqanlys/stats.h"
 #include "jqanlys/special.h"
 #include "jqanlys/noise.h"
+#include "jqanlys/transforms.h"
 
 #endif

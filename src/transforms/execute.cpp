@@ -1,0 +1,370 @@
+// The recursive decimation-in-time executors.
+//
+// Level k of a table splits a sub-length L into r = factor k interleaved
+// sub-sequences of length m = L/r, transforms them into consecutive blocks
+// of the output and combines the blocks in place with the level's
+// twiddles. The real path keeps every block in the half-complex layout, so
+// it moves n real values where the complex path moves n complex ones.
+#include <cstdlib>
+#include <cstring>
+
+#include "frame/errors.hpp"
+#include "transforms/fft.hpp"
+
+namespace jq::fft {
+namespace {
+
+// Work arrays of the generic and Rader butterflies: gathered input and
+// output of length p and, for Rader, four arrays of length p-1.
+class PrimeWork {
+ public:
+  explicit PrimeWork(int32_t p) : p_(p) {
+    if (p <= kStack) {
+      base_ = stack_;
+    } else {
+      heap_ = static_cast<double*>(std::malloc(sizeof(double) * 8 * static_cast<size_t>(p)));
+      base_ = heap_;
+    }
+  }
+  ~PrimeWork() { std::free(heap_); }
+  PrimeWork(const PrimeWork&) = delete;
+  PrimeWork& operator=(const PrimeWork&) = delete;
+  bool ok() const { return base_ != nullptr; }
+  double* xr() const { return base_; }
+  double* xi() const { return base_ + p_; }
+  double* yr() const { return base_ + 2 * p_; }
+  double* yi() const { return base_ + 3 * p_; }
+  double* rader() const { return base_ + 4 * p_; }
+
+ private:
+  static constexpr int kStack = 50;
+  int32_t p_;
+  double stack_[4 * kStack];
+  double* heap_ = nullptr;
+  double* base_ = nullptr;
+};
+
+// DFT of length p of the gathered values, by the direct sum (generic
+// primes) or Rader's convolution.
+int32_t prime_dft(const StageRecord* s, int32_t kind, int32_t p, const PrimeWork& w) {
+  const double *xr = w.xr(), *xi = w.xi();
+  double *yr = w.yr(), *yi = w.yi();
+  if (kind == kGeneric) {
+    for (int32_t q = 0; q < p; ++q) {
+      double re = 0, im = 0;
+      int32_t idx = 0;
+      for (int32_t j = 0; j < p; ++j) {
+        const double c = s->cos_table[idx], sn = s->sin_table[idx];
+        re += xr[j] * c + xi[j] * sn;
+        im += xi[j] * c - xr[j] * sn;
+        idx += q;
+        if (idx >= p) idx -= p;
+      }
+      yr[q] = re;
+      yi[q] = im;
+    }
+    return kOk;
+  }
+  const int32_t N = p - 1;
+  double *ur = w.rader(), *ui = ur + N, *vr = ui + N, *vi = vr + N;
+  double sr = xr[0], si = xi[0];
+  for (int32_t a = 0; a < N; ++a) {
+    const int32_t at = s->forward_index[a + 1];
+    ur[a] = xr[at];
+    ui[a] = xi[at];
+    sr += xr[at];
+    si += xi[at];
+  }
+  int32_t rc = ExecuteComplexFFT(s->sub, ur, ui, vr, vi, 1, 1, N);
+  if (rc != kOk) return rc;
+  for (int32_t a = 0; a < N; ++a) {
+    const double kr = s->kernel_re[a], ki = s->kernel_im[a];
+    ur[a] = vr[a] * kr - vi[a] * ki;
+    ui[a] = vr[a] * ki + vi[a] * kr;
+  }
+  rc = ExecuteComplexFFT(s->sub, ur, ui, vr, vi, 1, 1, N);
+  if (rc != kOk) return rc;
+  // The forward transform of the product is the convolution reversed, which
+  // the forward index table undoes.
+  yr[0] = sr;
+  yi[0] = si;
+  for (int32_t j = 0; j < N; ++j) {
+    const int32_t at = s->forward_index[j + 1];
+    yr[at] = xr[0] + vr[j];
+    yi[at] = xi[0] + vi[j];
+  }
+  return kOk;
+}
+
+struct Level {
+  const StageRecord* stage;
+  int32_t kind;
+  int32_t r;
+};
+
+Level level_of(const FFTTable* t, int k) { return Level{t->stages[k], t->kinds[k], t->factors[k]}; }
+
+// Twiddled input t of butterfly k (k >= 1, t >= 1).
+inline void twiddle(const StageRecord* s, int32_t r, int32_t k, int32_t t, double& re, double& im) {
+  const size_t at = static_cast<size_t>(t - 1) + static_cast<size_t>(k - 1) * (r - 1);
+  const double c = s->twiddle_cos[at], sn = s->twiddle_sin[at];
+  const double a = re;
+  re = a * c - im * sn;
+  im = a * sn + im * c;
+}
+
+// ---- complex path ------------------------------------------------------------
+
+int32_t cx_prime_leaf(const Level& lv, const double* ir, const double* ii, double* or_, double* oi, ptrdiff_t is,
+                      ptrdiff_t os, ptrdiff_t idist, ptrdiff_t odist, int count) {
+  PrimeWork w(lv.r);
+  if (!w.ok()) return kNoMemory;
+  for (int c = 0; c < count; ++c) {
+    for (int32_t j = 0; j < lv.r; ++j) {
+      w.xr()[j] = ir[c * idist + j * is];
+      w.xi()[j] = ii[c * idist + j * is];
+    }
+    if (int32_t rc = prime_dft(lv.stage, lv.kind, lv.r, w)) return rc;
+    for (int32_t q = 0; q < lv.r; ++q) {
+      or_[c * odist + q * os] = w.yr()[q];
+      oi[c * odist + q * os] = w.yi()[q];
+    }
+  }
+  return kOk;
+}
+
+int32_t cx_prime_combine(const Level& lv, double* re, double* im, ptrdiff_t s, int32_t m) {
+  PrimeWork w(lv.r);
+  if (!w.ok()) return kNoMemory;
+  const ptrdiff_t ms = m * s;
+  for (int32_t k = 0; k < m; ++k) {
+    for (int32_t t = 0; t < lv.r; ++t) {
+      double a = re[t * ms + k * s], b = im[t * ms + k * s];
+      if (k > 0 && t > 0) twiddle(lv.stage, lv.r, k, t, a, b);
+      w.xr()[t] = a;
+      w.xi()[t] = b;
+    }
+    if (int32_t rc = prime_dft(lv.stage, lv.kind, lv.r, w)) return rc;
+    for (int32_t q = 0; q < lv.r; ++q) {
+      re[q * ms + k * s] = w.yr()[q];
+      im[q * ms + k * s] = w.yi()[q];
+    }
+  }
+  return kOk;
+}
+
+int32_t cx_leaf(const FFTTable* t, int k, const double* ir, const double* ii, double* or_, double* oi,
+                ptrdiff_t is, ptrdiff_t os, ptrdiff_t idist, ptrdiff_t odist, int count) {
+  if (t->kinds[k] == kCodelet) {
+    t->complex_leaf[k](ir, ii, or_, oi, is, os, idist, odist, count);
+    return kOk;
+  }
+  return cx_prime_leaf(level_of(t, k), ir, ii, or_, oi, is, os, idist, odist, count);
+}
+
+int32_t cx_level(const FFTTable* t, int k, const double* ir, const double* ii, double* or_, double* oi,
+                 ptrdiff_t is, ptrdiff_t os, int32_t L) {
+  const int F = t->factor_count;
+  const int32_t r = t->factors[k], m = L / r;
+  if (k == F - 1) return cx_leaf(t, k, ir, ii, or_, oi, is, os, 0, 0, 1);
+  int32_t rc = kOk;
+  if (k == F - 2) {
+    rc = cx_leaf(t, F - 1, ir, ii, or_, oi, r * is, os, is, m * os, r);
+  } else {
+    for (int32_t j = 0; j < r && rc == kOk; ++j)
+      rc = cx_level(t, k + 1, ir + j * is, ii + j * is, or_ + j * m * os, oi + j * m * os, r * is, os, m);
+  }
+  if (rc != kOk) return rc;
+  if (t->kinds[k] == kCodelet) {
+    t->complex_twiddle[k](or_, oi, t->stages[k]->twiddle_cos, t->stages[k]->twiddle_sin, os, m);
+    return kOk;
+  }
+  return cx_prime_combine(level_of(t, k), or_, oi, os, m);
+}
+
+// ---- real path ---------------------------------------------------------------
+
+// Writes the DFT of a real sequence (in w.yr/yi) in the half-complex layout.
+void store_half_complex(const PrimeWork& w, int32_t p, double* out, ptrdiff_t os) {
+  for (int32_t q = 0; q <= p / 2; ++q) out[q * os] = w.yr()[q];
+  for (int32_t q = 1; q < (p + 1) / 2; ++q) out[(p - q) * os] = w.yi()[q];
+}
+
+int32_t hc_prime_leaf(const Level& lv, const double* in, double* out, ptrdiff_t is, ptrdiff_t os, ptrdiff_t idist,
+                      ptrdiff_t odist, int count) {
+  PrimeWork w(lv.r);
+  if (!w.ok()) return kNoMemory;
+  for (int c = 0; c < count; ++c) {
+    for (int32_t j = 0; j < lv.r; ++j) {
+      w.xr()[j] = in[c * idist + j * is];
+      w.xi()[j] = 0;
+    }
+    if (int32_t rc = prime_dft(lv.stage, lv.kind, lv.r, w)) return rc;
+    store_half_complex(w, lv.r, out + c * odist, os);
+  }
+  return kOk;
+}
+
+// Combines r half-complex blocks of length m into one of length r*m.
+int32_t hc_prime_combine(const Level& lv, double* d, ptrdiff_t s, int32_t m) {
+  const int32_t r = lv.r;
+  const ptrdiff_t ms = m * s;
+  PrimeWork w(r);
+  if (!w.ok()) return kNoMemory;
+  // The DC terms of the blocks: a real DFT.
+  for (int32_t t = 0; t < r; ++t) {
+    w.xr()[t] = d[t * ms];
+    w.xi()[t] = 0;
+  }
+  if (int32_t rc = prime_dft(lv.stage, lv.kind, r, w)) return rc;
+  store_half_complex(w, r, d, ms);
+  // Bins k and m-k of every block give bins k + qm of the whole.
+  for (int32_t k = 1; k < m - k; ++k) {
+    for (int32_t t = 0; t < r; ++t) {
+      double a = d[t * ms + k * s], b = d[t * ms + (m - k) * s];
+      if (t > 0) twiddle(lv.stage, r, k, t, a, b);
+      w.xr()[t] = a;
+      w.xi()[t] = b;
+    }
+    if (int32_t rc = prime_dft(lv.stage, lv.kind, r, w)) return rc;
+    for (int32_t q = 0; q < r; ++q) {
+      double* lo = d + q * ms + k * s;
+      double* hi = d + (r - 1 - q) * ms + (m - k) * s;
+      if (q <= (r - 1) / 2) {
+        *lo = w.yr()[q];
+        *hi = w.yi()[q];
+      } else {
+        *hi = w.yr()[q];
+        *lo = -w.yi()[q];
+      }
+    }
+  }
+  // For even m the real middle bins, rotated by e^(-i pi t/r).
+  if (m % 2 == 0) {
+    const int32_t k = m / 2;
+    for (int32_t t = 0; t < r; ++t) {
+      double a = d[t * ms + k * s], b = 0;
+      if (t > 0) twiddle(lv.stage, r, k, t, a, b);
+      w.xr()[t] = a;
+      w.xi()[t] = b;
+    }
+    if (int32_t rc = prime_dft(lv.stage, lv.kind, r, w)) return rc;
+    for (int32_t q = 0; 2 * q + 1 <= r; ++q) {
+      d[q * ms + k * s] = w.yr()[q];
+      if (2 * q + 1 < r) d[(r - 1 - q) * ms + k * s] = w.yi()[q];
+    }
+  }
+  return kOk;
+}
+
+int32_t hc_leaf(const FFTTable* t, int k, const double* in, double* out, ptrdiff_t is, ptrdiff_t os,
+                ptrdiff_t idist, ptrdiff_t odist, int count) {
+  if (t->kinds[k] == kCodelet) {
+    t->real_leaf[k](in, out, is, os, idist, odist, count);
+    return kOk;
+  }
+  return hc_prime_leaf(level_of(t, k), in, out, is, os, idist, odist, count);
+}
+
+int32_t hc_level(const FFTTable* t, int k, const double* in, double* out, ptrdiff_t is, ptrdiff_t os, int32_t L) {
+  const int F = t->factor_count;
+  const int32_t r = t->factors[k], m = L / r;
+  if (k == F - 1) return hc_leaf(t, k, in, out, is, os, 0, 0, 1);
+  int32_t rc = kOk;
+  if (k == F - 2) {
+    rc = hc_leaf(t, F - 1, in, out, r * is, os, is, m * os, r);
+  } else {
+    for (int32_t j = 0; j < r && rc == kOk; ++j)
+      rc = hc_level(t, k + 1, in + j * is, out + j * m * os, r * is, os, m);
+  }
+  if (rc != kOk) return rc;
+  if (t->kinds[k] == kCodelet) {
+    t->real_twiddle[k](out, t->stages[k]->twiddle_cos, t->stages[k]->twiddle_sin, os, m);
+    return kOk;
+  }
+  return hc_prime_combine(level_of(t, k), out, os, m);
+}
+
+}  // namespace
+
+int32_t ExecuteRealFFT(const FFTTable* t, const double* in, double* out, ptrdiff_t is, ptrdiff_t os, int32_t n) {
+  if (!t || n != t->length) return kInternal;
+  if (n == 1) {
+    out[0] = in[0];
+    return kOk;
+  }
+  return hc_level(t, 0, in, out, is, os, n);
+}
+
+// The inverse runs the forward real transform on the Hartley transform of
+// the signal, which the half-complex spectrum gives directly; the Hartley
+// transform is its own inverse up to the factor n.
+int32_t ExecuteInverseRealFFT(const FFTTable* t, const double* in, double* out, ptrdiff_t is, ptrdiff_t os,
+                              int32_t n) {
+  if (!t || n != t->length) return kInternal;
+  if (n == 1) {
+    out[0] = in[0];
+    return kOk;
+  }
+  auto* h = static_cast<double*>(std::malloc(sizeof(double) * static_cast<size_t>(n)));
+  if (!h) return kNoMemory;
+  h[0] = in[0];
+  for (int32_t k = 1; k < n - k; ++k) {
+    const double a = in[k * is], b = in[(n - k) * is];
+    h[k] = a - b;
+    h[n - k] = a + b;
+  }
+  if (n % 2 == 0) h[n / 2] = in[(n / 2) * is];
+  const int32_t rc = hc_level(t, 0, h, out, 1, os, n);
+  std::free(h);
+  if (rc != kOk) return rc;
+  const double scale = 1.0 / n;
+  out[0] *= scale;
+  for (int32_t k = 1; k < n - k; ++k) {
+    const double a = out[k * os], b = out[(n - k) * os];
+    out[k * os] = (a - b) * scale;
+    out[(n - k) * os] = (a + b) * scale;
+  }
+  if (n % 2 == 0) out[(n / 2) * os] *= scale;
+  return kOk;
+}
+
+int32_t ExecuteComplexFFT(const FFTTable* t, const double* ir, const double* ii, double* or_, double* oi,
+                          ptrdiff_t is, ptrdiff_t os, int32_t n) {
+  if (!t || n != t->length) return -1;
+  if (n == 1) {
+    or_[0] = ir[0];
+    oi[0] = ii[0];
+    return kOk;
+  }
+  return cx_level(t, 0, ir, ii, or_, oi, is, os, n);
+}
+
+// x[j] = (1/n) X'[(n-j) mod n] where X' is the forward transform.
+int32_t ExecuteInverseComplexFFT(const FFTTable* t, const double* ir, const double* ii, double* or_, double* oi,
+                                 ptrdiff_t is, ptrdiff_t os, int32_t n) {
+  const int32_t rc = ExecuteComplexFFT(t, ir, ii, or_, oi, is, os, n);
+  if (rc != kOk) return rc;
+  const double scale = 1.0 / n;
+  or_[0] *= scale;
+  oi[0] *= scale;
+  for (int32_t j = 1; j < n - j; ++j) {
+    double* a = or_ + j * os;
+    double* b = or_ + (n - j) * os;
+    const double ar = *a * scale;
+    *a = *b * scale;
+    *b = ar;
+    a = oi + j * os;
+    b = oi + (n - j) * os;
+    const double ai = *a * scale;
+    *a = *b * scale;
+    *b = ai;
+  }
+  if (n % 2 == 0) {
+    or_[(n / 2) * os] *= scale;
+    oi[(n / 2) * os] *= scale;
+  }
+  return kOk;
+}
+
+}  // namespace jq::fft

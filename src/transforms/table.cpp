@@ -1,0 +1,263 @@
+// FFT tables: factoring, twiddles, Rader set-up and the shared table list.
+#include <cmath>
+#include <cstdlib>
+#include <cstring>
+
+#include "frame/errors.hpp"
+#include "frame/platform.hpp"
+#include "transforms/codelets.hpp"
+#include "transforms/fft.hpp"
+
+namespace jq::fft {
+namespace {
+
+constexpr double kTwoPi = 6.283185307179586;
+
+// The list of live tables and its lock, made when the library is loaded.
+platform::Mutex g_lock;
+FFTTable* g_head = nullptr;
+const int32_t g_lock_status = platform::mutex_create(g_lock) ? kOk : kInternal;
+
+template <class T> T* zeroed(size_t n) { return static_cast<T*>(std::calloc(n ? n : 1, sizeof(T))); }
+
+// Factors n (n >= 2) into t->factors/kinds, ascending. False when n has more
+// factors than a table holds.
+bool factor(uint32_t n, FFTTable* t) {
+  int count = 0;
+  auto record = [&](uint32_t f, int32_t kind) {
+    if (count == kMaxFactors) return false;
+    t->factors[count] = static_cast<int32_t>(f);
+    t->kinds[count] = kind;
+    ++count;
+    return true;
+  };
+  uint32_t rest = n;
+  for (int r : kCodeletRadices) {
+    while (rest % r == 0) {
+      if (!record(r, kCodelet)) return false;
+      rest /= r;
+    }
+    if (rest == 1) break;
+  }
+  if (rest > 1) {
+    if (rest >= 9) {
+      for (uint32_t d = 3; static_cast<uint64_t>(d) * d <= rest; d += 2) {
+        while (rest % d == 0) {
+          if (!record(d, d < 50 ? kGeneric : kRader)) return false;
+          rest /= d;
+        }
+      }
+    }
+    if (rest > 1 && !record(rest, rest < 50 ? kGeneric : kRader)) return false;
+  }
+  // Exchange sort, carrying each factor's kind along.
+  for (int i = 0; i < count; ++i)
+    for (int j = i + 1; j < count; ++j)
+      if (t->factors[j] < t->factors[i]) {
+        std::swap(t->factors[i], t->factors[j]);
+        std::swap(t->kinds[i], t->kinds[j]);
+      }
+  t->factor_count = count;
+  return true;
+}
+
+// e^(-2 pi i ij/L) for i = 1 .. m-1, j = 1 .. r-1 at (j-1) + (i-1)(r-1), by
+// the stable rotation recurrence from the half-angle form.
+bool make_twiddles(StageRecord* s, int r, int m, int L) {
+  const size_t count = static_cast<size_t>(r - 1) * static_cast<size_t>(m - 1);
+  s->twiddle_cos = zeroed<double>(count);
+  s->twiddle_sin = zeroed<double>(count);
+  if (!s->twiddle_cos || !s->twiddle_sin) return false;
+  const double theta = kTwoPi / L;
+  for (int j = 1; j < r; ++j) {
+    const double h = std::sin(j * theta / 2);
+    const double alpha = 2 * h * h;
+    const double beta = -std::sin(j * theta);
+    double c = 1 - alpha, sn = beta;
+    for (int i = 1; i < m; ++i) {
+      const size_t at = static_cast<size_t>(j - 1) + static_cast<size_t>(i - 1) * (r - 1);
+      s->twiddle_cos[at] = c;
+      s->twiddle_sin[at] = sn;
+      const double c2 = c - (c * alpha + beta * sn);
+      sn = sn - (sn * alpha - beta * c);
+      c = c2;
+    }
+  }
+  return true;
+}
+
+FFTTable* find_or_build(uint32_t n);
+void release(FFTTable* t);
+
+bool setup_rader(StageRecord* s, int32_t p) {
+  const int32_t N = p - 1;
+  int32_t g = 1;
+  for (int32_t cand = 2; cand < p; ++cand) {
+    int32_t x = cand, order = 1;
+    while (x != 1) {
+      x = static_cast<int32_t>((static_cast<int64_t>(x) * cand) % p);
+      ++order;
+    }
+    if (order == N) {
+      g = cand;
+      break;
+    }
+  }
+  s->forward_index = zeroed<int32_t>(p);
+  s->reverse_index = zeroed<int32_t>(p);
+  s->kernel_re = zeroed<double>(N);
+  s->kernel_im = zeroed<double>(N);
+  double* wr = zeroed<double>(p);
+  double* wi = zeroed<double>(p);
+  double* vr = zeroed<double>(N);
+  double* vi = zeroed<double>(N);
+  s->sub = find_or_build(static_cast<uint32_t>(N));
+  bool ok = s->forward_index && s->reverse_index && s->kernel_re && s->kernel_im && wr && wi && vr && vi && s->sub;
+  if (ok) {
+    s->forward_index[1] = 1;
+    s->reverse_index[1] = 1;
+    int64_t x = 1;
+    for (int32_t i = 2; i < p; ++i) {
+      x = (x * g) % p;
+      s->forward_index[i] = static_cast<int32_t>(x);
+      s->reverse_index[p + 1 - i] = static_cast<int32_t>(x);
+    }
+    // The roots of unity of order p by the same rotation recurrence.
+    const double theta = kTwoPi / p;
+    const double h = std::sin(theta / 2), alpha = 2 * h * h, beta = -std::sin(theta);
+    double c = 1, sn = 0;
+    for (int32_t q = 0; q < p; ++q) {
+      wr[q] = c;
+      wi[q] = sn;
+      const double c2 = c - (c * alpha + beta * sn);
+      sn = sn - (sn * alpha - beta * c);
+      c = c2;
+    }
+    const double scale = 1.0 / N;
+    for (int32_t k = 0; k < N; ++k) {
+      vr[k] = wr[s->reverse_index[k + 1]] * scale;
+      vi[k] = wi[s->reverse_index[k + 1]] * scale;
+    }
+    ok = ExecuteComplexFFT(s->sub, vr, vi, s->kernel_re, s->kernel_im, 1, 1, N) == kOk;
+  }
+  std::free(wr);
+  std::free(wi);
+  std::free(vr);
+  std::free(vi);
+  return ok;
+}
+
+void free_stage(StageRecord* s) {
+  if (!s) return;
+  std::free(s->cos_table);
+  std::free(s->sin_table);
+  std::free(s->twiddle_cos);
+  std::free(s->twiddle_sin);
+  if (s->sub) release(s->sub);
+  std::free(s->forward_index);
+  std::free(s->reverse_index);
+  std::free(s->kernel_re);
+  std::free(s->kernel_im);
+  std::free(s);
+}
+
+void free_table(FFTTable* t) {
+  for (int i = 0; i < kMaxFactors; ++i) free_stage(t->stages[i]);
+  std::free(t);
+}
+
+// Builds a table (lock held). Null on failure, with nothing left behind.
+FFTTable* build(uint32_t n) {
+  auto* t = zeroed<FFTTable>(1);
+  if (!t) return nullptr;
+  t->length = static_cast<int32_t>(n);
+  t->references = 1;
+  if (n > 1 && !factor(n, t)) {
+    std::free(t);
+    return nullptr;
+  }
+  const int F = t->factor_count;
+  bool ok = true;
+  for (int i = 0; i < F && ok; ++i) {
+    t->stages[i] = zeroed<StageRecord>(1);
+    ok = t->stages[i] != nullptr;
+    if (ok && t->kinds[i] == kCodelet) {
+      const CodeletSet* c = codelets_for(t->factors[i]);
+      t->real_leaf[i] = c->real_leaf;
+      t->real_twiddle[i] = c->real_twiddle;
+      t->complex_leaf[i] = c->complex_leaf;
+      t->complex_twiddle[i] = c->complex_twiddle;
+    }
+  }
+  int32_t L = t->length;
+  for (int i = 0; i + 1 < F && ok; ++i) {
+    const int32_t r = t->factors[i], m = L / r;
+    ok = make_twiddles(t->stages[i], r, m, L);
+    L = m;
+  }
+  for (int i = 0; i < F && ok; ++i) {
+    StageRecord* s = t->stages[i];
+    const int32_t p = t->factors[i];
+    if (t->kinds[i] == kGeneric) {
+      s->cos_table = zeroed<double>(p);
+      s->sin_table = zeroed<double>(p);
+      ok = s->cos_table && s->sin_table;
+      for (int32_t k = 0; ok && k < p; ++k) {
+        s->cos_table[k] = std::cos(kTwoPi * k / p);
+        s->sin_table[k] = std::sin(kTwoPi * k / p);
+      }
+    } else if (t->kinds[i] == kRader) {
+      ok = setup_rader(s, p);
+    }
+  }
+  if (!ok) {
+    free_table(t);
+    return nullptr;
+  }
+  return t;
+}
+
+// The table of length n from the list or newly built (lock held).
+FFTTable* find_or_build(uint32_t n) {
+  for (FFTTable* t = g_head; t; t = t->next)
+    if (static_cast<uint32_t>(t->length) == n) {
+      ++t->references;
+      return t;
+    }
+  FFTTable* t = build(n);
+  if (!t) return nullptr;
+  t->next = g_head;
+  if (g_head) g_head->previous = t;
+  g_head = t;
+  return t;
+}
+
+// Drops a reference (lock held); the last one unlinks and frees.
+void release(FFTTable* t) {
+  if (--t->references > 0) return;
+  if (t->previous) t->previous->next = t->next;
+  else g_head = t->next;
+  if (t->next) t->next->previous = t->previous;
+  free_table(t);
+}
+
+}  // namespace
+
+int32_t lock_status() { return g_lock_status; }
+
+FFTTable* create_table(uint32_t n) {
+  if (n < 1 || n > INT32_MAX || g_lock_status != kOk) return nullptr;
+  platform::mutex_lock(g_lock);
+  FFTTable* t = find_or_build(n);
+  platform::mutex_unlock(g_lock);
+  return t;
+}
+
+void destroy_table(FFTTable* t) {
+  if (!t || g_lock_status != kOk) return;
+  platform::mutex_lock(g_lock);
+  release(t);
+  platform::mutex_unlock(g_lock);
+}
+
+}  // namespace jq::fft
