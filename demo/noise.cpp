@@ -48,6 +48,13 @@ void noise(void* lib) {
   const int32_t rejected = poisson_fn(y.h(), n, -1.0, -1, &st);
   std::printf("  Poisson with mean -1: code %d, output emptied to %d samples\n", rejected, y.size());
 
+  auto period_fn = JQ_DEMO_GET(lib, PeriodNoise);
+  int32_t np = 1024;
+  double pa = 0.1;
+  period_fn(&np, &pa, &cont, y.h(), &err, &st);
+  // 511 harmonics below Nyquist, each of power pa^2 / 2; the sample variance divides by n - 1.
+  row("periodic, 1024 samples, 0.1 each", y, err, 0.0, 511 * pa * pa / 2 * 1024 / 1023);
+
   jqrt::Array<int32_t> idx;
   const int32_t code = riffle_fn(idx.h(), 10, 42, &st, 1);
   std::printf("  riffle of 0..9, seed 42:");

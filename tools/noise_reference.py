@@ -217,6 +217,18 @@ def riffle(g, n, method):
     return idx
 
 
+def period_noise(g, n, amp):
+    """The harmonics below Nyquist with phases straight from the generator,
+    summed directly in the time domain (no FFT)."""
+    m = n // 2 - 1 if n % 2 == 0 else (n - 1) // 2
+    phases = [float(g.phase()) for _ in range(m)]
+    def harmonic(k, t):
+        # cos(theta + phi) expanded, so that the large phase adds no rounding.
+        theta, phi = 2 * math.pi * (k * t % n) / n, phases[k - 1]
+        return amp * (math.cos(theta) * math.cos(phi) - math.sin(theta) * math.sin(phi))
+    return [math.fsum(harmonic(k, t) for k in range(1, m + 1)) for t in range(n)]
+
+
 def dbl(v):
     return "{" + ", ".join(float(x).hex() for x in v) + "}"
 
@@ -279,6 +291,12 @@ def main():
         g.seed(31)
         emit("constexpr int32_t kRiffle31Method%d[] = %s;" % (method, ints(riffle(g, 10, method))))
         emit("constexpr int32_t kRiffle31Method%dState[] = %s;" % (method, ints(g.s)))
+
+    for n in [15, 16, 53]:
+        g = Gen((1, 2, 3))
+        g.seed(2718)
+        emit("constexpr double kPeriod%d[] = %s;" % (n, dbl(period_noise(g, n, 0.75))))
+        emit("constexpr int32_t kPeriod%dState[] = %s;" % (n, ints(g.s)))
 
     out = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "tests", "generation", "noise_reference.inc")
     with open(out, "w") as f:

@@ -23,6 +23,8 @@ typedef struct JQBinomialCache {
 
 JQ_API int32_t white(JQHandle out, int32_t* n, double* amplitude, int32_t* seed, int32_t* error, JQRandomState* state);
 JQ_API int32_t Gauss(JQHandle out, int32_t* n, double* sd, int32_t* seed, int32_t* error, JQRandomState* state, JQGaussSpare* spare);
+/* The harmonics of the record below Nyquist, each of the given amplitude, with random phases. */
+JQ_API int32_t PeriodNoise(int32_t* n, double* amplitude, int32_t* seed, JQHandle out, int32_t* error, JQRandomState* state);
 JQ_API int32_t GammaNoiseH(JQHandle out, int32_t n, int32_t order, int32_t seed, JQRandomState* state);
 JQ_API int32_t PoissonNoiseH(JQHandle out, int32_t n, double mean, int32_t seed, JQRandomState* state);
 JQ_API int32_t BinomialNoiseH(JQHandle out, int32_t n, int32_t trials, double p, int32_t seed, JQRandomState* state, JQBinomialCache* cache);

@@ -5,6 +5,7 @@
 
 #include "frame/export.hpp"
 #include "generation/noise.hpp"
+#include "generation/period_noise.hpp"
 #include "jqanlys.h"
 
 using namespace jq;
@@ -28,7 +29,9 @@ RandomState& restart(JQRandomState* s, int32_t seed) {
 
 int32_t read_or_zero(const int32_t* p) { return p ? *p : 0; }
 
-// The shared frame of white and Gauss: code in the error parameter.
+// The shared frame of white, Gauss and PeriodNoise: the code goes to the
+// error parameter; the result is the host's status after a failed resize,
+// else 0 (or, for a generator that can fail, its code).
 template <class Fill> int32_t sample_export(JQHandle h, const int32_t* n, int32_t* error, bool ok, Fill fill) {
   Out<double> out(h);
   Outputs outs(out);
@@ -37,8 +40,9 @@ template <class Fill> int32_t sample_export(JQHandle h, const int32_t* n, int32_
   if (count < 1) return outs.report(kEmptyInput, error);
   if (!ok) return outs.report(kBadSelector, error);
   if (!outs.size(out, count)) return outs.report(kNoMemory, error);
-  fill(out.data(), count);
-  return outs.report(kOk, error);
+  const int32_t code = fill(out.data(), count);
+  outs.report(code, error);
+  return code;
 }
 
 // The shared frame of the H exports: a parameter check, then the count.
@@ -82,6 +86,7 @@ JQ_EXPORT int32_t white(JQHandle out, int32_t* n, double* amplitude, int32_t* se
                         JQRandomState* state) {
   return sample_export(out, n, error, state && amplitude && seed, [&](double* y, int32_t count) {
     gen::white_noise(y, count, *amplitude, restart(state, *seed));
+    return kOk;
   });
 }
 
@@ -96,6 +101,14 @@ JQ_EXPORT int32_t Gauss(JQHandle out, int32_t* n, double* sd, int32_t* seed, int
       sp.spare = 0.0;
     }
     gen::gauss_noise(y, count, *sd, state_of(state), sp);
+    return kOk;
+  });
+}
+
+JQ_EXPORT int32_t PeriodNoise(int32_t* n, double* amplitude, int32_t* seed, JQHandle out, int32_t* error,
+                              JQRandomState* state) {
+  return sample_export(out, n, error, state && amplitude && seed, [&](double* y, int32_t count) {
+    return gen::period_noise(y, count, *amplitude, *seed, state_of(state));
   });
 }
 
