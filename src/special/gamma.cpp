@@ -5,6 +5,7 @@
 // and beta are free to be as accurate as we can make them: they work in
 // extended precision (long double) so that the products of the recurrence
 // and the cancellations near roots cost no accuracy in the double result.
+#include <algorithm>
 #include <cmath>
 #include <limits>
 
@@ -96,15 +97,38 @@ long double gamma_ld(long double x) {
   return z * std::exp(t * horner<long double>(kLgP, t) / horner<long double>(kLgQ, t));
 }
 
-long double ln_beta_ld(double a, double b) {
-  if (a + b < 1700) return std::log(gamma_ld(a) * (gamma_ld(b) / gamma_ld(static_cast<long double>(a) + b)));
-  return static_cast<long double>(ln_gamma(a)) + ln_gamma(b) - ln_gamma(a + b);
+long double stirling_correction(long double x) {
+  const long double w = 1 / (x * x);
+  return ((((1.0L / 1188 * w - 1.0L / 1680) * w + 1.0L / 1260) * w - 1.0L / 360) * w + 1.0L / 12) / x;
 }
 
-long double ln_gamma_ld(double a) {
-  if (a < 1700) return std::log(gamma_ld(a));
-  return ln_gamma(a);
+namespace {
+
+long double ln_gamma_any(long double x) {
+  if (x < 1700) return std::log(gamma_ld(x));
+  return (x - 0.5L) * std::log(x) - x + kHalfLn2Pi + stirling_correction(x);
 }
+
+}  // namespace
+
+// Above 1700 the Gamma values leave long double; the Stirling forms are
+// then combined so that the large terms cancel analytically, not in
+// floating point.
+long double ln_beta_ld(double a, double b) {
+  const long double s = static_cast<long double>(a) + b;
+  if (s < 1700) return std::log(gamma_ld(a) * (gamma_ld(b) / gamma_ld(s)));
+  const long double big = std::max(a, b), small = std::min(a, b);
+  if (small >= 100) {
+    return -big * std::log1p(small / big) - small * std::log1p(big / small) + 0.5L * std::log(s / (big * small)) +
+           kHalfLn2Pi + stirling_correction(big) + stirling_correction(small) - stirling_correction(s);
+  }
+  // ln Gamma(s) - ln Gamma(big), both by Stirling.
+  const long double d = (big - 0.5L) * std::log1p(small / big) + small * std::log(s) - small + stirling_correction(s) -
+                        stirling_correction(big);
+  return std::log(gamma_ld(small)) - d;
+}
+
+long double ln_gamma_ld(double a) { return ln_gamma_any(a); }
 
 double factorial(int32_t n) {
   if (n < 0) return kNaN;

@@ -18,6 +18,25 @@ constexpr long double kEps = 1e-19L;
 constexpr long double kTiny = 1e-4000L;
 constexpr int kMaxIter = 100000;
 
+// a ln(t / a) - (t - a) = -a phi(d), phi(d) = d - ln(1 + d), d = (t - a) / a:
+// through phi near t = a, where the two terms cancel, and through the
+// logarithms elsewhere, where 1 + d may be too small to form accurately.
+long double neg_a_phi(long double a, long double t) {
+  const long double d = (t - a) / a;
+  if (std::fabs(d) < 0.5L) return -a * (d - std::log1p(d));
+  return a * (std::log(t) - std::log(a)) - (t - a);
+}
+
+// ln(x^a e^-x / Gamma(a)). For large a the Stirling form leaves -a phi(d)
+// with d = (x - a) / a, where a ln x and ln Gamma(a) would cancel.
+long double ln_gamma_front(double a, double x) {
+  const long double la = a;
+  if (a >= 100) {
+    return neg_a_phi(la, x) + 0.5L * std::log(la) - kHalfLn2Pi - stirling_correction(la);
+  }
+  return la * std::log(static_cast<long double>(x)) - x - ln_gamma_ld(a);
+}
+
 // P(a, x) by its series; meant for x < a + 1.
 long double gamma_p_series(double a, double x) {
   const long double la = a;
@@ -27,7 +46,7 @@ long double gamma_p_series(double a, double x) {
     sum += term;
     if (term < sum * kEps) break;
   }
-  return std::exp(la * std::log(static_cast<long double>(x)) - x - ln_gamma_ld(a)) * sum;
+  return std::exp(ln_gamma_front(a, x)) * sum;
 }
 
 // Q(a, x) by its continued fraction; meant for x >= a + 1.
@@ -46,7 +65,7 @@ long double gamma_q_fraction(double a, double x) {
     h *= del;
     if (std::fabs(del - 1) < kEps) break;
   }
-  return std::exp(la * std::log(static_cast<long double>(x)) - x - ln_gamma_ld(a)) * h;
+  return std::exp(ln_gamma_front(a, x)) * h;
 }
 
 // NaN for a domain error, 0 or 1 for the limits, -1 to go on.
@@ -87,10 +106,22 @@ long double beta_fraction(long double a, long double b, long double x) {
   return h;
 }
 
+// ln(x^a y^b / B(a, b)) with y = 1 - x. When both parameters are large the
+// Stirling forms reduce it to -a phi(dx) - b phi(dy) about the mean
+// x0 = a / (a + b) (the linear terms a dx + b dy cancel exactly), free of
+// the large cancelling logarithms.
+long double ln_beta_front(double a, double b, long double x, long double y) {
+  if (a >= 100 && b >= 100) {
+    const long double la = a, lb = b, s = la + lb;
+    return neg_a_phi(la, x * s) + neg_a_phi(lb, y * s) - 0.5L * std::log(s / (la * lb)) - kHalfLn2Pi - stirling_correction(la) -
+           stirling_correction(lb) + stirling_correction(s);
+  }
+  return a * std::log(x) + b * std::log(y) - ln_beta_ld(a, b);
+}
+
 // I(x; a, b) with y = 1 - x given exactly alongside x.
 long double beta_direct(double a, double b, long double x, long double y) {
-  const long double front = std::exp(a * std::log(x) + b * std::log(y) - ln_beta_ld(a, b)) / a;
-  return front * beta_fraction(a, b, x);
+  return std::exp(ln_beta_front(a, b, x, y)) / a * beta_fraction(a, b, x);
 }
 
 }  // namespace
