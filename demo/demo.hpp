@@ -27,5 +27,6 @@ inline void section(const char* title) { std::printf("\n== %s ==\n", title); }
 void statistics(void* lib);
 void waveforms(void* lib);
 void windows(void* lib);
+void noise(void* lib);
 
 }  // namespace demo

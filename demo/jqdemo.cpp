@@ -17,5 +17,6 @@ int main() {
   demo::statistics(lib);
   demo::waveforms(lib);
   demo::windows(lib);
+  demo::noise(lib);
   return 0;
 }

@@ -39,6 +39,8 @@ typedef struct JQErrorCluster {
 
 #include "jqanlys/frame.h"
 #include "jqanlys/stats.h"
+#include "jqanlys/special.h"
+#include "jqanlys/noise.h"
 #include "jqanlys/transforms.h"
 #include "jqanlys/waveforms.h"
 #include "jqanlys/windows.h"
