@@ -8,10 +8,30 @@
 namespace jq::fft {
 namespace {
 
-// Interleaved complex arrays are handed to the executors as their real and
-// imaginary parts with a stride of 2.
-inline const double* parts(const cdouble* z) { return reinterpret_cast<const double*>(z); }
-inline double* parts(cdouble* z) { return reinterpret_cast<double*>(z); }
+// What one call works with: its own reference to the shared table of length
+// n, and `arrays` scratch arrays of n values each, one after another.
+class Work {
+ public:
+  int32_t prepare(int32_t n, size_t arrays) {
+    n_ = n;
+    if (int32_t rc = own_.get(0, static_cast<uint32_t>(n), &table_)) return rc;
+    return arrays ? scratch_.allocate(arrays * static_cast<size_t>(n)) : kOk;
+  }
+  const FFTTable* table() const { return table_; }
+  double* array(size_t i) const { return scratch_.data() + i * static_cast<size_t>(n_); }
+
+  // The complex FFT of interleaved x into the split arrays re and im.
+  int32_t complex_fft(const cdouble* x, size_t re, size_t im) const {
+    const double* parts = reinterpret_cast<const double*>(x);
+    return ExecuteComplexFFT(table_, parts, parts + 1, array(re), array(im), 2, 1, n_);
+  }
+
+ private:
+  TableSource own_ = TableSource::plain(nullptr);  // a table for this call only
+  FFTTable* table_ = nullptr;
+  Scratch<double> scratch_;
+  int32_t n_ = 0;
+};
 
 inline double reciprocal_square(int32_t n) { return 1.0 / (static_cast<double>(n) * n); }
 
@@ -22,12 +42,10 @@ int32_t power_spectrum(double* x, int32_t n) {
     x[0] *= x[0];
     return kOk;
   }
-  TableSource own = TableSource::plain(nullptr);  // a reference for this call only
-  FFTTable* t = nullptr;
-  if (int32_t rc = own.get(0, n, &t)) return rc;
-  Scratch<double> X;
-  if (X.allocate(n)) return kNoMemory;
-  if (int32_t rc = ExecuteRealFFT(t, x, X.data(), 1, 1, n)) return rc;
+  Work w;
+  if (int32_t rc = w.prepare(n, 1)) return rc;
+  const double* X = w.array(0);
+  if (int32_t rc = ExecuteRealFFT(w.table(), x, w.array(0), 1, 1, n)) return rc;
   const double s = reciprocal_square(n);
   x[0] = X[0] * X[0] * s;
   for (int32_t k = 1; k <= (n - 1) / 2; ++k) x[k] = x[n - k] = (X[k] * X[k] + X[n - k] * X[n - k]) * s;
@@ -36,14 +54,10 @@ int32_t power_spectrum(double* x, int32_t n) {
 }
 
 int32_t power_spectrum(const cdouble* x, int32_t n, double* out) {
-  TableSource own = TableSource::plain(nullptr);
-  FFTTable* t = nullptr;
-  if (int32_t rc = own.get(0, n, &t)) return rc;
-  Scratch<double> X;
-  if (X.allocate(2 * static_cast<size_t>(n))) return kNoMemory;
-  double* re = X.data();
-  double* im = re + n;
-  if (int32_t rc = ExecuteComplexFFT(t, parts(x), parts(x) + 1, re, im, 2, 1, n)) return rc;
+  Work w;
+  if (int32_t rc = w.prepare(n, 2)) return rc;
+  if (int32_t rc = w.complex_fft(x, 0, 1)) return rc;
+  const double *re = w.array(0), *im = w.array(1);
   const double s = reciprocal_square(n);
   for (int32_t k = 0; k < n; ++k) out[k] = (re[k] * re[k] + im[k] * im[k]) * s;
   return kOk;
@@ -57,12 +71,11 @@ int32_t cross_spectrum(const double* x, const double* y, int32_t n, cdouble* out
     out[0] = cdouble(x[0] * y[0], 0.0);
     return kOk;
   }
-  TableSource own = TableSource::plain(nullptr);
-  FFTTable* t = nullptr;
-  if (int32_t rc = own.get(0, n, &t)) return rc;
-  double* o = parts(out);
-  if (int32_t rc = ExecuteRealFFT(t, x, o, 1, 2, n)) return rc;
-  if (int32_t rc = ExecuteRealFFT(t, y, o + 1, 1, 2, n)) return rc;
+  Work w;
+  if (int32_t rc = w.prepare(n, 0)) return rc;
+  double* o = reinterpret_cast<double*>(out);
+  if (int32_t rc = ExecuteRealFFT(w.table(), x, o, 1, 2, n)) return rc;
+  if (int32_t rc = ExecuteRealFFT(w.table(), y, o + 1, 1, 2, n)) return rc;
   const double s = reciprocal_square(n);
   out[0] = cdouble(o[0] * o[1] * s, 0.0);
   for (int32_t k = 1; k <= (n - 1) / 2; ++k) {
@@ -76,18 +89,13 @@ int32_t cross_spectrum(const double* x, const double* y, int32_t n, cdouble* out
   return kOk;
 }
 
+// Scratch of 4n values: real and imaginary parts of X, then of Y.
 int32_t cross_spectrum(const cdouble* x, const cdouble* y, int32_t n, cdouble* out) {
-  TableSource own = TableSource::plain(nullptr);
-  FFTTable* t = nullptr;
-  if (int32_t rc = own.get(0, n, &t)) return rc;
-  Scratch<double> X;
-  if (X.allocate(4 * static_cast<size_t>(n))) return kNoMemory;
-  double* xr = X.data();
-  double* xi = xr + n;
-  double* yr = xi + n;
-  double* yi = yr + n;
-  if (int32_t rc = ExecuteComplexFFT(t, parts(x), parts(x) + 1, xr, xi, 2, 1, n)) return rc;
-  if (int32_t rc = ExecuteComplexFFT(t, parts(y), parts(y) + 1, yr, yi, 2, 1, n)) return rc;
+  Work w;
+  if (int32_t rc = w.prepare(n, 4)) return rc;
+  if (int32_t rc = w.complex_fft(x, 0, 1)) return rc;
+  if (int32_t rc = w.complex_fft(y, 2, 3)) return rc;
+  const double *xr = w.array(0), *xi = w.array(1), *yr = w.array(2), *yi = w.array(3);
   const double s = reciprocal_square(n);
   for (int32_t k = 0; k < n; ++k)
     out[k] = cdouble((xr[k] * yr[k] + xi[k] * yi[k]) * s, (xr[k] * yi[k] - xi[k] * yr[k]) * s);
