@@ -1,5 +1,7 @@
 #include "transforms/spectra.hpp"
 
+#include <cstddef>
+
 #include "frame/errors.hpp"
 #include "frame/scratch.hpp"
 #include "transforms/fft.hpp"
@@ -78,7 +80,7 @@ int32_t cross_spectrum(const double* x, const double* y, int32_t n, cdouble* out
   if (int32_t rc = ExecuteRealFFT(w.table(), y, o + 1, 1, 2, n)) return rc;
   const double s = reciprocal_square(n);
   out[0] = cdouble(o[0] * o[1] * s, 0.0);
-  for (int32_t k = 1; k <= (n - 1) / 2; ++k) {
+  for (ptrdiff_t k = 1; k <= (n - 1) / 2; ++k) {  // 2(n-k) would overflow int32 for n above 2^30
     const double xr = o[2 * k], yr = o[2 * k + 1];
     const double xi = o[2 * (n - k)], yi = o[2 * (n - k) + 1];
     const double re = (xr * yr + xi * yi) * s, im = (xr * yi - xi * yr) * s;
