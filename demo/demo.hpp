@@ -28,5 +28,6 @@ void statistics(void* lib);
 void waveforms(void* lib);
 void windows(void* lib);
 void noise(void* lib);
+void spectra(void* lib);
 
 }  // namespace demo

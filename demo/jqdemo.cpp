@@ -18,5 +18,6 @@ int main() {
   demo::waveforms(lib);
   demo::windows(lib);
   demo::noise(lib);
+  demo::spectra(lib);
   return 0;
 }

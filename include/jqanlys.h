@@ -38,6 +38,7 @@ typedef struct JQErrorCluster {
 #endif
 
 #include "jqanlys/frame.h"
+#include "jqanlys/spectra.h"
 #include "jqanlys/stats.h"
 #include "jqanlys/special.h"
 #include "jqanlys/noise.h"
