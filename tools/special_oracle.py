@@ -64,6 +64,14 @@ def grid_gammainc():
     return pts
 
 
+def grid_gammaincc():
+    pts = []
+    for a in [1e-20, 1e-8, 0.01, 0.3, 0.9, 1.0, 3.0, 30.0, 300.0, 5000.0]:
+        for x in logspace(1e-6, 20 * a + 30, 50) + [a, a + 1, math.nextafter(a + 1, 0)]:
+            pts.append((a, x))
+    return pts
+
+
 def grid_beta():
     v = logspace(0.01, 600, 25) + [2000.0, 1e4]
     return [(a, b) for a in v for b in v]
@@ -136,6 +144,7 @@ FUNCTIONS = [
     ("ln_gamma", grid_lgamma, sc.gammaln, lambda x: mp.loggamma(x)),
     ("digamma", grid_psi, sc.psi, lambda x: mp.digamma(x)),
     ("gamma_p", grid_gammainc, sc.gammainc, mp_gamma_p),
+    ("gamma_q", grid_gammaincc, sc.gammaincc, lambda a, x: mp.gammainc(a, x, mp.inf, regularized=True)),
     ("beta", grid_beta, sc.beta, lambda a, b: mp.beta(a, b)),
     ("beta_inc", grid_betainc, sc.betainc, mp_beta_inc),
     ("erf", grid_erf, sc.erf, lambda x: mp.erf(x)),

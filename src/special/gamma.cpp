@@ -130,6 +130,10 @@ long double ln_beta_ld(double a, double b) {
 
 long double ln_gamma_ld(double a) { return ln_gamma_any(a); }
 
+long double ln_gamma_1p_ld(long double a) {
+  return a * horner<long double>(kLgP, a) / horner<long double>(kLgQ, a) - std::log1p(a);
+}
+
 double factorial(int32_t n) {
   if (n < 0) return kNaN;
   if (n <= 33) return kFactorials[n];

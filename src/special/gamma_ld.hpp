@@ -11,6 +11,8 @@ long double gamma_ld(long double x);
 // ln Gamma(a) and ln B(a, b) for positive arguments; extended precision
 // while the arguments stay below 1700.
 long double ln_gamma_ld(double a);
+// ln Gamma(1 + a) for 0 <= a < 1, accurate relative to its small size.
+long double ln_gamma_1p_ld(long double a);
 long double ln_beta_ld(double a, double b);
 // ln Gamma(x) - ((x - 1/2) ln x - x + ln sqrt(2 pi)), for x >= 100.
 long double stirling_correction(long double x);

@@ -68,6 +68,23 @@ long double gamma_q_fraction(double a, double x) {
   return std::exp(ln_gamma_front(a, x)) * h;
 }
 
+// Q(a, x) for a < 1 and x < a + 1, where Q may be small and 1 - P would
+// cancel: Q = (1 - x^a / Gamma(1 + a)) - x^a / Gamma(a) * sum_{n>=1} (-x)^n / (n! (a + n)).
+long double gamma_q_small_a(double a, double x) {
+  const long double la = a, lx = x;
+  const long double e = la * std::log(lx) - ln_gamma_1p_ld(la);
+  long double power = 1, sum = 0;
+  for (int n = 1; n < 200; ++n) {
+    power *= -lx / n;
+    const long double term = power / (la + n);
+    sum += term;
+    if (std::fabs(term) < 1e-21L * std::fabs(sum)) break;
+  }
+  return -std::expm1(e) - la * std::exp(e) * sum;
+}
+
+long double clamp01(long double v) { return v < 0 ? 0 : (v > 1 ? 1 : v); }
+
 // NaN for a domain error, 0 or 1 for the limits, -1 to go on.
 double gamma_limits(double a, double x, bool upper) {
   if (std::isnan(a) || std::isnan(x) || a < 0 || x < 0 || std::isinf(a)) return kNaN;
@@ -129,15 +146,15 @@ long double beta_direct(double a, double b, long double x, long double y) {
 double gamma_p(double a, double x) {
   const double lim = gamma_limits(a, x, false);
   if (lim != -1) return lim;
-  if (x < a + 1) return static_cast<double>(gamma_p_series(a, x));
-  return static_cast<double>(1 - gamma_q_fraction(a, x));
+  if (x < a + 1) return static_cast<double>(clamp01(gamma_p_series(a, x)));
+  return static_cast<double>(clamp01(1 - gamma_q_fraction(a, x)));
 }
 
 double gamma_q(double a, double x) {
   const double lim = gamma_limits(a, x, true);
   if (lim != -1) return lim;
-  if (x < a + 1) return static_cast<double>(1 - gamma_p_series(a, x));
-  return static_cast<double>(gamma_q_fraction(a, x));
+  if (x < a + 1) return static_cast<double>(clamp01(a < 1 ? gamma_q_small_a(a, x) : 1 - gamma_p_series(a, x)));
+  return static_cast<double>(clamp01(gamma_q_fraction(a, x)));
 }
 
 double beta_inc(double a, double b, double x) {
@@ -150,8 +167,8 @@ double beta_inc(double a, double b, double x) {
   if (x == 0) return 0.0;
   if (x == 1) return 1.0;
   const long double lx = x, ly = 1 - lx;  // 1 - x is exact in extended precision down to x ~ 2^-11
-  if (x * (a + b + 2) < a + 1) return static_cast<double>(beta_direct(a, b, lx, ly));
-  return static_cast<double>(1 - beta_direct(b, a, ly, lx));
+  if (x * (a + b + 2) < a + 1) return static_cast<double>(clamp01(beta_direct(a, b, lx, ly)));
+  return static_cast<double>(clamp01(1 - beta_direct(b, a, ly, lx)));
 }
 
 }  // namespace jq::special

@@ -10,7 +10,7 @@
 
 namespace {
 
-enum class Fn { gamma, ln_gamma, digamma, gamma_p, beta, beta_inc, erf, erfc, dawson, gauss };
+enum class Fn { gamma, ln_gamma, digamma, gamma_p, gamma_q, beta, beta_inc, erf, erfc, dawson, gauss };
 
 struct Point {
   Fn fn;
@@ -30,6 +30,7 @@ double eval(const Point& p) {
     case Fn::ln_gamma: return sp::ln_gamma(a[0]);
     case Fn::digamma: return sp::digamma(a[0]);
     case Fn::gamma_p: return sp::gamma_p(a[0], a[1]);
+    case Fn::gamma_q: return sp::gamma_q(a[0], a[1]);
     case Fn::beta: return sp::beta(a[0], a[1]);
     case Fn::beta_inc: return sp::beta_inc(a[0], a[1], a[2]);
     case Fn::erf: return sp::erf(a[0]);
@@ -80,6 +81,7 @@ void measure(Fn fn, const char* name, double tolerance, double floor = 0, double
 TEST(SpecialAccuracy, Gamma) { measure(Fn::gamma, "gamma", 4); }
 TEST(SpecialAccuracy, Digamma) { measure(Fn::digamma, "digamma", 4); }
 TEST(SpecialAccuracy, IncompleteGamma) { measure(Fn::gamma_p, "gamma_p", 8); }
+TEST(SpecialAccuracy, IncompleteGammaComplement) { measure(Fn::gamma_q, "gamma_q", 8); }
 TEST(SpecialAccuracy, Beta) { measure(Fn::beta, "beta", 8); }
 TEST(SpecialAccuracy, IncompleteBeta) { measure(Fn::beta_inc, "beta_inc", 8); }
 TEST(SpecialAccuracy, Dawson) { measure(Fn::dawson, "dawson", 4); }
