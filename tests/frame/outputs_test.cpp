@@ -113,4 +113,8 @@ TEST(Scratch, AllocatesAndReleases) {
   EXPECT_EQ(s.size(), 16u);
   EXPECT_EQ(s.allocate(SIZE_MAX / 4), kNoMemory);
   EXPECT_EQ(s.data(), nullptr);
+  fail_scratch_allocation(2);
+  EXPECT_EQ(s.allocate(4), kOk);
+  EXPECT_EQ(s.allocate(4), kNoMemory) << "the injected failure";
+  EXPECT_EQ(s.allocate(4), kOk) << "later allocations succeed again";
 }

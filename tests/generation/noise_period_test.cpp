@@ -5,6 +5,7 @@
 #include <cmath>
 #include <vector>
 
+#include "frame/scratch.hpp"
 #include "jqanlys.h"
 #include "jqrt.hpp"
 
@@ -78,4 +79,19 @@ TEST(PeriodNoise, FailuresLeaveTheStateAndEmptyTheOutput) {
   period(ya, 9, 1.0, -1, a, &err);
   period(yb, 9, 1.0, 0, b, &err);
   EXPECT_EQ(ya.values(), yb.values());
+}
+
+TEST(PeriodNoiseAllocation, FailedScratchIsReportedAndEmptiesTheOutput) {
+  for (int nth = 1; nth <= 2; ++nth) {
+    jqrt::Array<double> y(3);
+    JQRandomState st{1, 2, 3};
+    int32_t n = 8, seed = -1, err = 0;
+    double a = 1;
+    jq::fail_scratch_allocation(nth);
+    const int32_t rc = PeriodNoise(&n, &a, &seed, y.h(), &err, &st);
+    jq::fail_scratch_allocation(0);
+    EXPECT_EQ(rc, -20001);
+    EXPECT_EQ(err, -20001);
+    EXPECT_EQ(y.size(), 0);
+  }
 }
