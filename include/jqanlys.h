@@ -40,5 +40,6 @@ typedef struct JQErrorCluster {
 #include "jqanlys/frame.h"
 #include "jqanlys/stats.h"
 #include "jqanlys/transforms.h"
+#include "jqanlys/dct.h"
 
 #endif
