@@ -73,12 +73,12 @@ class Cosine : TrigBase {
     for (int32_t k = 0; k < m; ++k) {
       // Bin k of the half-complex spectrum; past L/2 it is the conjugate of bin L-k.
       double re, im;
-      if (2 * k < L) {
+      if (k < L - k) {
         re = V[k];
         im = k == 0 ? 0.0 : V[L - k];
       } else {
         re = V[L - k];
-        im = 2 * k == L ? 0.0 : -V[k];
+        im = k == L - k ? 0.0 : -V[k];
       }
       y[k * ys] = (re * twiddle_[2 * k] + im * twiddle_[2 * k + 1]) * scale;
     }
@@ -99,10 +99,10 @@ class Cosine : TrigBase {
     if (L == m) {
       const double s = g / 2;
       auto Y = [&](int32_t k) { return k == 0 ? y[0] * std::sqrt(2.0) * s : k == m ? 0.0 : y[k * ys] * s; };
-      for (int32_t k = 0; 2 * k <= m; ++k) {
+      for (int32_t k = 0; k <= m - k; ++k) {
         const double a = Y(k), b = Y(m - k), c = twiddle_[2 * k], sn = twiddle_[2 * k + 1];
         H[k] = c * a + sn * b;
-        if (k > 0 && 2 * k < m) H[m - k] = sn * a - c * b;
+        if (k > 0 && k < m - k) H[m - k] = sn * a - c * b;
       }
     } else {
       H[0] = g * std::sqrt(2.0) * y[0];

@@ -15,9 +15,7 @@ int32_t half_complex_spectrum(const double* x, int32_t n, const SharedTable& tab
   return ExecuteRealFFT(table.get(), x, spectrum.data(), 1, 1, n);
 }
 
-}  // namespace
-
-int32_t hilbert(double* x, int32_t n, bool inverse) {
+int32_t hilbert_forward(double* x, int32_t n) {
   if (n == 1) {
     x[0] = 0.0;
     return kOk;
@@ -32,7 +30,14 @@ int32_t hilbert(double* x, int32_t n, bool inverse) {
     s[k] = im;
     s[n - k] = -re;
   }
-  if (int32_t rc = ExecuteInverseRealFFT(table.get(), s.data(), x, 1, 1, n)) return rc;
+  return ExecuteInverseRealFFT(table.get(), s.data(), x, 1, 1, n);
+}
+
+}  // namespace
+
+// The inverse flips the forward result's signs, a single sample's 0 included.
+int32_t hilbert(double* x, int32_t n, bool inverse) {
+  if (int32_t rc = hilbert_forward(x, n)) return rc;
   if (inverse)
     for (int32_t j = 0; j < n; ++j) x[j] = -x[j];
   return kOk;

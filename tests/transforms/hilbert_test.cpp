@@ -40,7 +40,8 @@ TEST(Hilbert, CosineBecomesSineAndConstantsVanish) {
   }
   expect_near(transform(FastHilbertTransformH_IDP, Vec(6, 4.0)), Vec(6, 0.0));
   expect_near(transform(FastHilbertTransformH_IDP, Vec{3.5}), Vec{0.0});
-  expect_near(transform(InvFastHilbertTransformH_IDP, Vec{3.5}), Vec{0.0});
+  const Vec neg_zero = transform(InvFastHilbertTransformH_IDP, Vec{3.5});
+  EXPECT_TRUE(neg_zero[0] == 0 && std::signbit(neg_zero[0])) << "the forward 0, sign flipped";
 }
 
 TEST(Hartley, ExamplesAndRoundTrip) {
