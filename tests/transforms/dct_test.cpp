@@ -71,14 +71,14 @@ TEST(Dct, RoundTripsOverBothParitiesAndLongerLengths) {
       TransformUnreserveProc(gs.get());
     }
   }
-  jqrt::Array2<double> img(7, 10), spec, back;
+  jqrt::Array2<double> img(7, 10), coeffs, back;
   for (int i = 0; i < 70; ++i) img[i] = std::cos(1.3 * i) - 0.25 * (i % 7);
   jqrt::Slot rs, cs, is;
-  ASSERT_EQ(DCT_2DH(img.h(), spec.h(), rs.get(), cs.get()), 0);
-  ASSERT_EQ(InvDCT_2DH_IDP(spec.h(), back.h(), is.get()), 0);
+  ASSERT_EQ(DCT_2DH(img.h(), coeffs.h(), rs.get(), cs.get()), 0);
+  ASSERT_EQ(InvDCT_2DH_IDP(coeffs.h(), back.h(), is.get()), 0);
   expect_near(back.values(), img.values(), 1e-13);
-  ASSERT_EQ(DST_2DH(img.h(), spec.h(), rs.get(), cs.get()), 0);
-  ASSERT_EQ(InvDST_2DH_IDP(spec.h(), back.h(), is.get()), 0);
+  ASSERT_EQ(DST_2DH(img.h(), coeffs.h(), rs.get(), cs.get()), 0);
+  ASSERT_EQ(InvDST_2DH_IDP(coeffs.h(), back.h(), is.get()), 0);
   expect_near(back.values(), img.values(), 1e-13);
   TransformUnreserveProc(is.get());
   jqrt_dispose_context();
