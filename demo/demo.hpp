@@ -29,5 +29,6 @@ void waveforms(void* lib);
 void windows(void* lib);
 void noise(void* lib);
 void spectra(void* lib);
+void dct_hilbert(void* lib);
 
 }  // namespace demo

@@ -19,5 +19,6 @@ int main() {
   demo::windows(lib);
   demo::noise(lib);
   demo::spectra(lib);
+  demo::dct_hilbert(lib);
   return 0;
 }

@@ -45,5 +45,6 @@ typedef struct JQErrorCluster {
 #include "jqanlys/transforms.h"
 #include "jqanlys/waveforms.h"
 #include "jqanlys/windows.h"
+#include "jqanlys/dct.h"
 
 #endif
