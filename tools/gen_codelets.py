@@ -13,6 +13,10 @@ For every radix the engine factors by, four functions are written:
   cx_leaf_R     `count` split-complex DFTs of length R
   cx_twiddle_R  the split-complex combination with twiddles, in place
 
+The twiddle forms read their twiddles with the butterfly index k running
+fastest (entry (k, j) at (k-1) + (j-1)(m-1)), so that the loop over k reads
+them as contiguous vectors.
+
 Each DFT is expanded symbolically (Cooley-Tukey for composite radices, the
 symmetric pair form for primes), constants are folded, zero terms and
 unused values are dropped and common subexpressions are shared. The loops
@@ -291,8 +295,8 @@ def hc_twiddle(r):
         if t == 0:
             ys.append((a, b))
         else:
-            wr = g1.load("wc[%d]" % (t - 1))
-            wi = g1.load("ws[%d]" % (t - 1))
+            wr = g1.load("wc[%d * mm]" % (t - 1))
+            wi = g1.load("ws[%d * mm]" % (t - 1))
             ys.append((g1.sub(g1.mul(a, wr), g1.mul(b, wi)), g1.add(g1.mul(a, wi), g1.mul(b, wr))))
     X = dft(g1, ys)
     st1 = []
@@ -318,15 +322,16 @@ def hc_twiddle(r):
         " const double* __restrict tws, ptrdiff_t s_, int m) {" % r,
         "  const ptrdiff_t s = U ? 1 : s_;",
         "  const ptrdiff_t ms = m * s;",
+        "  const ptrdiff_t mm = m - 1;",
         "  {",
     ]
     lines += body(g0, st0, "    ")
     lines += [
         "  }",
         "  JQ_IVDEP",
-        "  for (int k = 1; k < m - k; ++k) {",
-        "    const double* __restrict wc = twc + (k - 1) * %d;" % (r - 1),
-        "    const double* __restrict ws = tws + (k - 1) * %d;" % (r - 1),
+        "  for (int k = 1, half = (m - 1) / 2; k <= half; ++k) {",
+        "    const double* __restrict wc = twc + (k - 1);",
+        "    const double* __restrict ws = tws + (k - 1);",
         "    {",
     ]
     lines += body(g1, st1, ind)
@@ -393,8 +398,8 @@ def cx_twiddle(r):
         if t == 0:
             ys.append((a, b))
         else:
-            wr = g1.load("wc[%d]" % (t - 1))
-            wi = g1.load("ws[%d]" % (t - 1))
+            wr = g1.load("wc[%d * mm]" % (t - 1))
+            wi = g1.load("ws[%d * mm]" % (t - 1))
             ys.append((g1.sub(g1.mul(a, wr), g1.mul(b, wi)), g1.add(g1.mul(a, wi), g1.mul(b, wr))))
     X = dft(g1, ys)
     st1 = []
@@ -405,6 +410,7 @@ def cx_twiddle(r):
         " const double* __restrict twc, const double* __restrict tws, ptrdiff_t s_, int m) {" % r,
         "  const ptrdiff_t s = U ? 1 : s_;",
         "  const ptrdiff_t ms = m * s;",
+        "  const ptrdiff_t mm = m - 1;",
         "  {",
     ]
     lines += body(g0, st0, "    ")
@@ -412,8 +418,8 @@ def cx_twiddle(r):
         "  }",
         "  JQ_IVDEP",
         "  for (int k = 1; k < m; ++k) {",
-        "    const double* __restrict wc = twc + (k - 1) * %d;" % (r - 1),
-        "    const double* __restrict ws = tws + (k - 1) * %d;" % (r - 1),
+        "    const double* __restrict wc = twc + (k - 1);",
+        "    const double* __restrict ws = tws + (k - 1);",
         "    {",
     ]
     lines += body(g1, st1, "      ")

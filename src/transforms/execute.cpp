@@ -176,7 +176,7 @@ int32_t cx_level(const FFTTable* t, int k, const double* ir, const double* ii, d
   }
   if (rc != kOk) return rc;
   if (t->kinds[k] == kCodelet) {
-    t->complex_twiddle[k](or_, oi, t->stages[k]->twiddle_cos, t->stages[k]->twiddle_sin, os, m);
+    t->complex_twiddle[k](or_, oi, t->stages[k]->twiddle_cos_by_k, t->stages[k]->twiddle_sin_by_k, os, m);
     return kOk;
   }
   return cx_prime_combine(level_of(t, k), or_, oi, os, m);
@@ -279,7 +279,7 @@ int32_t hc_level(const FFTTable* t, int k, const double* in, double* out, ptrdif
   }
   if (rc != kOk) return rc;
   if (t->kinds[k] == kCodelet) {
-    t->real_twiddle[k](out, t->stages[k]->twiddle_cos, t->stages[k]->twiddle_sin, os, m);
+    t->real_twiddle[k](out, t->stages[k]->twiddle_cos_by_k, t->stages[k]->twiddle_sin_by_k, os, m);
     return kOk;
   }
   return hc_prime_combine(level_of(t, k), out, os, m);

@@ -24,7 +24,8 @@ constexpr int32_t kRader = 2;    // a prime of 50 or more
 // Butterflies of one radix (codelets.cpp). Leaves run `count` DFTs; DFT c
 // reads from in + c*idist with element stride `is` and writes to
 // out + c*odist with stride `os`. Twiddle forms combine r sub-results of
-// length m stored one after another (element stride s) in place.
+// length m stored one after another (element stride s) in place, reading
+// the twiddles in the by-k layout of the stage record.
 using RealLeaf = void (*)(const double* in, double* out, ptrdiff_t is, ptrdiff_t os, ptrdiff_t idist,
                           ptrdiff_t odist, int count);
 using RealTwiddle = void (*)(double* data, const double* twc, const double* tws, ptrdiff_t s, int m);
@@ -46,6 +47,8 @@ struct StageRecord {
   int32_t* reverse_index;  // Rader: 0, 1, then the powers from the end backwards
   double* kernel_re;  // Rader: transformed kernel, p-1 entries
   double* kernel_im;
+  double* twiddle_cos_by_k;  // the twiddles again with i running fastest,
+  double* twiddle_sin_by_k;  //   at (i-1) + (j-1)(m-1), for the butterflies
 };
 
 struct FFTTable {

@@ -67,7 +67,9 @@ bool make_twiddles(StageRecord* s, int r, int m, int L) {
   const size_t count = static_cast<size_t>(r - 1) * static_cast<size_t>(m - 1);
   s->twiddle_cos = zeroed<double>(count);
   s->twiddle_sin = zeroed<double>(count);
-  if (!s->twiddle_cos || !s->twiddle_sin) return false;
+  s->twiddle_cos_by_k = zeroed<double>(count);
+  s->twiddle_sin_by_k = zeroed<double>(count);
+  if (!s->twiddle_cos || !s->twiddle_sin || !s->twiddle_cos_by_k || !s->twiddle_sin_by_k) return false;
   const double theta = kTwoPi / L;
   for (int j = 1; j < r; ++j) {
     const double h = std::sin(j * theta / 2);
@@ -76,8 +78,9 @@ bool make_twiddles(StageRecord* s, int r, int m, int L) {
     double c = 1 - alpha, sn = beta;
     for (int i = 1; i < m; ++i) {
       const size_t at = static_cast<size_t>(j - 1) + static_cast<size_t>(i - 1) * (r - 1);
-      s->twiddle_cos[at] = c;
-      s->twiddle_sin[at] = sn;
+      const size_t by_k = static_cast<size_t>(i - 1) + static_cast<size_t>(j - 1) * (m - 1);
+      s->twiddle_cos[at] = s->twiddle_cos_by_k[by_k] = c;
+      s->twiddle_sin[at] = s->twiddle_sin_by_k[by_k] = sn;
       const double c2 = c - (c * alpha + beta * sn);
       sn = sn - (sn * alpha - beta * c);
       c = c2;
@@ -153,6 +156,8 @@ void free_stage(StageRecord* s) {
   std::free(s->sin_table);
   std::free(s->twiddle_cos);
   std::free(s->twiddle_sin);
+  std::free(s->twiddle_cos_by_k);
+  std::free(s->twiddle_sin_by_k);
   if (s->sub) release(s->sub);
   std::free(s->forward_index);
   std::free(s->reverse_index);
