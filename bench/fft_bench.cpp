@@ -119,7 +119,7 @@ class Collector : public benchmark::ConsoleReporter {
       const std::string name = r.benchmark_name();
       const auto slash = name.rfind('/');
       if (slash == std::string::npos || r.iterations == 0) continue;
-      times[name.substr(0, slash)][std::stoi(name.substr(slash + 1))] = r.GetAdjustedRealTime();
+      times[name.substr(0, slash)][std::stoi(name.substr(slash + 1))] = r.GetAdjustedCPUTime();
     }
     ConsoleReporter::ReportRuns(runs);
   }
@@ -142,7 +142,7 @@ void print_table(Collector& c) {
                       {"cx/est", "engine_complex", "fftw_complex_estimate"},
                       {"cx/meas", "engine_complex", "fftw_complex_measure"},
                       {"cx2/est", "engine_complex_interleaved", "fftw_complex_estimate"}};
-  std::printf("\nTime ratios, engine / FFTW (below 1: the engine is faster)\n%8s", "n");
+  std::printf("\nCPU time ratios, engine / FFTW (below 1: the engine is faster)\n%8s", "n");
   for (const Col& col : cols) std::printf(" %10s", col.title);
   std::printf("\n");
   std::vector<std::vector<double>> all(std::size(cols));

@@ -1,19 +1,25 @@
-// The generated butterflies (codelets.inc, written by tools/gen_codelets.py).
-#include "transforms/codelets.hpp"
-
-// The butterflies of one loop are independent; the pragma lets the compiler
-// vectorise across them without proving it.
-#define JQ_IVDEP _Pragma("GCC ivdep")
+// The generated butterflies (codelets.inc, written by tools/gen_codelets.py)
+// for baseline x86-64, and the choice of variant at run time.
+#define JQ_CODELET_NS baseline
+#include "transforms/codelets_body.hpp"
 
 namespace jq::fft {
+
+namespace avx2 {
+const CodeletSet* find(int radix);
+}
+
 namespace {
-#include "transforms/codelets.inc"
+bool use_avx2() {
+#if defined(__x86_64__) || defined(__i386__)
+  static const bool yes = __builtin_cpu_supports("avx2");
+  return yes;
+#else
+  return false;
+#endif
+}
 }  // namespace
 
-const CodeletSet* codelets_for(int radix) {
-  for (const CodeletSet& c : kCodeletSets)
-    if (c.radix == radix) return &c;
-  return nullptr;
-}
+const CodeletSet* codelets_for(int radix) { return use_avx2() ? avx2::find(radix) : baseline::find(radix); }
 
 }  // namespace jq::fft
