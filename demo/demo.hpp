@@ -25,5 +25,6 @@ inline void section(const char* title) { std::printf("\n== %s ==\n", title); }
 
 // One section per family, each in its own file.
 void statistics(void* lib);
+void transforms(void* lib);
 
 }  // namespace demo

@@ -15,5 +15,6 @@ int main() {
   }
   std::printf("jqdemo: analysis library loaded and bound to the host runtime\n");
   demo::statistics(lib);
+  demo::transforms(lib);
   return 0;
 }

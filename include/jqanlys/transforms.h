@@ -1,5 +1,5 @@
-/* Transforms: the FFT engine's tables, the FFT exports and the _IDP
- * instance release. */
+/* Transforms: the FFT engine's tables, the FFT exports, power and cross
+ * spectra, and the _IDP instance release. */
 #ifndef JQANLYS_TRANSFORMS_H
 #define JQANLYS_TRANSFORMS_H
 #ifdef __cplusplus
@@ -38,6 +38,15 @@ JQ_API int32_t CxInvFFT2D_H(JQHandle spectrum, uint8_t shifted, JQHandle x, JQSl
 JQ_API int32_t CxInvFFT2D_H_IDP(JQHandle spectrum, uint8_t shifted, JQHandle x, JQSlot instance);
 JQ_API int32_t ReInvFFT2D_H(JQHandle spectrum, uint8_t shifted, JQHandle x, JQSlot row_instance, JQSlot col_instance);
 JQ_API int32_t ReInvFFT2D_H_IDP(JQHandle spectrum, uint8_t shifted, JQHandle x, JQSlot instance);
+
+JQ_API int32_t SpectrumH(JQHandle signal, JQSlot instance);
+JQ_API int32_t SpectrumH_IDP(JQHandle signal, JQSlot instance);
+JQ_API int32_t CxSpectrumH(JQHandle signal, JQHandle power, JQSlot instance);
+JQ_API int32_t CxSpectrumH_IDP(JQHandle signal, JQHandle power, JQSlot instance);
+JQ_API int32_t CrossSpectrumH(JQHandle x, JQHandle y, JQHandle spectrum, JQSlot instance);
+JQ_API int32_t CrossSpectrumH_IDP(JQHandle x, JQHandle y, JQHandle spectrum, JQSlot instance);
+JQ_API int32_t CxCrossSpectrumH(JQHandle x, JQHandle y, JQHandle spectrum, JQSlot instance);
+JQ_API int32_t CxCrossSpectrumH_IDP(JQHandle x, JQHandle y, JQHandle spectrum, JQSlot instance);
 
 #ifdef __cplusplus
 }
