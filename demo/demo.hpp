@@ -30,5 +30,6 @@ void windows(void* lib);
 void noise(void* lib);
 void spectra(void* lib);
 void dct_hilbert(void* lib);
+void transforms(void* lib);
 
 }  // namespace demo

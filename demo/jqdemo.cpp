@@ -20,5 +20,6 @@ int main() {
   demo::noise(lib);
   demo::spectra(lib);
   demo::dct_hilbert(lib);
+  demo::transforms(lib);
   return 0;
 }

@@ -1,7 +1,7 @@
 #!/usr/bin/python3
 """Writes src/transforms/codelets.inc: the straight-line FFT butterflies.
 
-Run from the repository root:
+Run from the repository root (see also tools/fft_generators.md):
 
     /usr/bin/python3 tools/gen_codelets.py > src/transforms/codelets.inc
 

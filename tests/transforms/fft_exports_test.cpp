@@ -72,21 +72,21 @@ TEST_F(FftExports, ForwardRealCutsExtendsAndShifts) {
 TEST_F(FftExports, ForwardComplexAndItsInverseRoundTripInBothLayouts) {
   std::vector<cd> x(9);
   for (int i = 0; i < 9; ++i) x[i] = cd(std::cos(i * 0.7), std::sin(i * 1.3) + 0.25);
-  Array<cd> in(x), spec, back;
+  Array<cd> in(x), freq, back;
   void *fwd = nullptr, *inv = nullptr;
   for (uint8_t shift : {0, 1}) {
-    ASSERT_EQ(CxKWFFTH80(in.h(), spec.h(), &fwd, 0, 9, shift), 0);
-    expect_near(spec.values(), shift ? rotated(dft(x), 5) : dft(x));
-    ASSERT_EQ(InvCxKWFFTH80(spec.h(), back.h(), &inv, shift), 0);
+    ASSERT_EQ(CxKWFFTH80(in.h(), freq.h(), &fwd, 0, 9, shift), 0);
+    expect_near(freq.values(), shift ? rotated(dft(x), 5) : dft(x));
+    ASSERT_EQ(InvCxKWFFTH80(freq.h(), back.h(), &inv, shift), 0);
     expect_near(back.values(), x);
   }
   // The start index is not checked: samples outside the input read as zeros.
-  ASSERT_EQ(CxKWFFTH80(in.h(), spec.h(), &fwd, 20, 4, 0), 0);
-  expect_near(spec.values(), std::vector<cd>(4));
-  ASSERT_EQ(CxKWFFTH80(in.h(), spec.h(), &fwd, -2, 4, 0), 0);
-  expect_near(spec.values(), dft({0, 0, x[0], x[1]}));
-  ASSERT_EQ(CxKWFFTH(in.h(), spec.h(), &fwd), 0);
-  ASSERT_EQ(InvCxKWFFTH(spec.h(), back.h(), &inv), 0);
+  ASSERT_EQ(CxKWFFTH80(in.h(), freq.h(), &fwd, 20, 4, 0), 0);
+  expect_near(freq.values(), std::vector<cd>(4));
+  ASSERT_EQ(CxKWFFTH80(in.h(), freq.h(), &fwd, -2, 4, 0), 0);
+  expect_near(freq.values(), dft({0, 0, x[0], x[1]}));
+  ASSERT_EQ(CxKWFFTH(in.h(), freq.h(), &fwd), 0);
+  ASSERT_EQ(InvCxKWFFTH(freq.h(), back.h(), &inv), 0);
   expect_near(back.values(), x);
 }
 
@@ -95,10 +95,10 @@ TEST_F(FftExports, InverseRealReadsOnlyTheNonNegativeFrequencies) {
     const auto x = random_values(n, n);
     auto X = dft(complexify(x));
     for (int32_t k = n / 2 + 1; k < n; ++k) X[k] = cd(100 * k, -3.0 * k);  // not conjugate-symmetric
-    Array<cd> spec(X), shifted(rotated(X, n - n / 2));
+    Array<cd> freq(X), shifted(rotated(X, n - n / 2));
     Array<double> out;
     void* slot = nullptr;
-    ASSERT_EQ(InvReKWFFTH(spec.h(), out.h(), &slot), 0);
+    ASSERT_EQ(InvReKWFFTH(freq.h(), out.h(), &slot), 0);
     expect_near(out.values(), x);
     ASSERT_EQ(InvReKWFFTH80(shifted.h(), out.h(), &slot, 1), 0);
     expect_near(out.values(), x);
@@ -189,9 +189,9 @@ TEST_F(FftExports, CallSitesKeepAndShareTables) {
 TEST_F(FftExports, IdpInstancesHoldTwoTablesUntilUnreserved) {
   const int32_t before = jqrt_cleanup_count();
   Array2<cd> in = Array2<cd>::rows({{1, 2, 3}, {4, 5, 6}});
-  Array2<cd> spec, back;
+  Array2<cd> freq, back;
   void* slot = nullptr;
-  ASSERT_EQ(CxFFT2D_H_IDP(in.h(), 0, 0, 2, 3, 0, spec.h(), &slot), 0);
+  ASSERT_EQ(CxFFT2D_H_IDP(in.h(), 0, 0, 2, 3, 0, freq.h(), &slot), 0);
   EXPECT_EQ(jqrt_cleanup_count(), before);
   auto* inst = static_cast<jq::fft::TransformInstance*>(slot);
   ASSERT_NE(inst->first, nullptr);
@@ -199,7 +199,7 @@ TEST_F(FftExports, IdpInstancesHoldTwoTablesUntilUnreserved) {
   EXPECT_EQ(inst->first->table->length, 3);
   EXPECT_EQ(inst->second->table->length, 2);
   void* inv = nullptr;
-  ASSERT_EQ(CxInvFFT2D_H_IDP(spec.h(), 0, back.h(), &inv), 0);
+  ASSERT_EQ(CxInvFFT2D_H_IDP(freq.h(), 0, back.h(), &inv), 0);
   expect_near(back.values(), in.values());
   EXPECT_EQ(TransformUnreserveProc(&slot), 0);
   EXPECT_EQ(TransformUnreserveProc(&inv), 0);
@@ -209,19 +209,19 @@ TEST_F(FftExports, IdpInstancesHoldTwoTablesUntilUnreserved) {
 
 TEST_F(FftExports, TwoDimensionalFormsMatchNumpy) {
   namespace o = fft2d_oracle;
-  Array2<cd> cin(4, 5), spec;
+  Array2<cd> cin(4, 5), freq;
   std::copy(std::begin(o::cx_in), std::end(o::cx_in), cin.data());
   void *r = nullptr, *c = nullptr;
-  ASSERT_EQ(CxFFT2D_H(cin.h(), 1, 2, 5, 4, 1, spec.h(), &r, &c), 0);
-  ASSERT_EQ(spec.rows(), 5);
-  ASSERT_EQ(spec.cols(), 4);
-  expect_near(spec.values(), std::vector<cd>(std::begin(o::cx_out), std::end(o::cx_out)));
+  ASSERT_EQ(CxFFT2D_H(cin.h(), 1, 2, 5, 4, 1, freq.h(), &r, &c), 0);
+  ASSERT_EQ(freq.rows(), 5);
+  ASSERT_EQ(freq.cols(), 4);
+  expect_near(freq.values(), std::vector<cd>(std::begin(o::cx_out), std::end(o::cx_out)));
 
   Array2<double> rin(3, 7);
   std::copy(std::begin(o::re_in), std::end(o::re_in), rin.data());
   void* idp = nullptr;
-  ASSERT_EQ(ReFFT2D_H_IDP(rin.h(), 0, 0, 2, 7, 0, spec.h(), &idp), 0);
-  expect_near(spec.values(), std::vector<cd>(std::begin(o::re_out), std::end(o::re_out)));
+  ASSERT_EQ(ReFFT2D_H_IDP(rin.h(), 0, 0, 2, 7, 0, freq.h(), &idp), 0);
+  expect_near(freq.values(), std::vector<cd>(std::begin(o::re_out), std::end(o::re_out)));
   TransformUnreserveProc(&idp);
 
   Array2<cd> sp(3, 4), back;
@@ -234,11 +234,11 @@ TEST_F(FftExports, TwoDimensionalFormsMatchNumpy) {
 
   // Validation order: empty input, offsets, output size; outputs emptied.
   Array2<cd> empty;
-  EXPECT_EQ(CxFFT2D_H(empty.h(), 9, 9, 0, 0, 0, spec.h(), &r, &c), -20003);
-  EXPECT_EQ(spec.size(), 0);
-  EXPECT_EQ(CxFFT2D_H(cin.h(), 4, 0, 0, 0, 0, spec.h(), &r, &c), -20017);
-  EXPECT_EQ(CxFFT2D_H(cin.h(), 0, 5, 0, 0, 0, spec.h(), &r, &c), -20017);
-  EXPECT_EQ(ReFFT2D_H(rin.h(), 0, 0, 2, 0, 0, spec.h(), &r, &c), -20008);
+  EXPECT_EQ(CxFFT2D_H(empty.h(), 9, 9, 0, 0, 0, freq.h(), &r, &c), -20003);
+  EXPECT_EQ(freq.size(), 0);
+  EXPECT_EQ(CxFFT2D_H(cin.h(), 4, 0, 0, 0, 0, freq.h(), &r, &c), -20017);
+  EXPECT_EQ(CxFFT2D_H(cin.h(), 0, 5, 0, 0, 0, freq.h(), &r, &c), -20017);
+  EXPECT_EQ(ReFFT2D_H(rin.h(), 0, 0, 2, 0, 0, freq.h(), &r, &c), -20008);
   EXPECT_EQ(CxInvFFT2D_H(empty.h(), 0, back.h(), &r, &c), -20003);
   {
     jqrt::FailResize fail(1);
