@@ -43,28 +43,28 @@ int32_t cx_fft(JQHandle x, JQHandle spectrum, TableSource src, int32_t start, in
   return out.finish(forward_complex(t, xs.data(), n, start, size, shift, y.data()));
 }
 
-int32_t inv_cx_fft(JQHandle spectrum, JQHandle x, TableSource src, bool shifted) {
+// The two 1-D inverses differ only in their output: complex, or real for
+// spectra of real signals.
+template <class T>
+int32_t inverse_1d(JQHandle spectrum, JQHandle x, TableSource src, bool shifted,
+                   int32_t (*run)(const FFTTable*, const cdouble*, int32_t, bool, T*)) {
   Array1<const cdouble> X(spectrum);
-  Out<cdouble> y(x);
+  Out<T> y(x);
   Outputs out(y);
   const int32_t n = X.size();
   if (n < 1) return out.fail(kEmptyInput);
   FFTTable* t = nullptr;
   if (int32_t rc = src.get(0, n, &t)) return out.fail(rc);
   if (!out.size(y, n)) return out.fail(kNoMemory);
-  return out.finish(inverse_complex(t, X.data(), n, shifted, y.data()));
+  return out.finish(run(t, X.data(), n, shifted, y.data()));
+}
+
+int32_t inv_cx_fft(JQHandle spectrum, JQHandle x, TableSource src, bool shifted) {
+  return inverse_1d<cdouble>(spectrum, x, src, shifted, inverse_complex);
 }
 
 int32_t inv_re_fft(JQHandle spectrum, JQHandle x, TableSource src, bool shifted) {
-  Array1<const cdouble> X(spectrum);
-  Out<double> y(x);
-  Outputs out(y);
-  const int32_t n = X.size();
-  if (n < 1) return out.fail(kEmptyInput);
-  FFTTable* t = nullptr;
-  if (int32_t rc = src.get(0, n, &t)) return out.fail(rc);
-  if (!out.size(y, n)) return out.fail(kNoMemory);
-  return out.finish(inverse_real(t, X.data(), n, shifted, y.data()));
+  return inverse_1d<double>(spectrum, x, src, shifted, inverse_real);
 }
 
 // The half-complex forms size the output before getting the table.
