@@ -46,7 +46,7 @@ int32_t cx_fft(JQHandle x, JQHandle spectrum, TableSource src, int32_t start, in
 // The two 1-D inverses differ only in their output: complex, or real for
 // spectra of real signals.
 template <class T>
-int32_t inverse_1d(JQHandle spectrum, JQHandle x, TableSource src, bool shifted,
+int32_t inverse_1d(JQHandle spectrum, JQHandle x, TableSource& src, bool shifted,
                    int32_t (*run)(const FFTTable*, const cdouble*, int32_t, bool, T*)) {
   Array1<const cdouble> X(spectrum);
   Out<T> y(x);
