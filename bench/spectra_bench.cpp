@@ -69,10 +69,10 @@ class RatioReporter : public benchmark::ConsoleReporter {
   }
   void Finalize() override {
     ConsoleReporter::Finalize();
-    const auto fft = times_.find("BM_ExecuteRealFFT"), spec = times_.find("BM_SpectrumH");
-    if (fft == times_.end() || spec == times_.end()) return;
+    const auto fft = times_.find("BM_ExecuteRealFFT"), spectrum = times_.find("BM_SpectrumH");
+    if (fft == times_.end() || spectrum == times_.end()) return;
     const auto [fr, fc] = fft->second;
-    const auto [sr, sc] = spec->second;
+    const auto [sr, sc] = spectrum->second;
     std::printf("SpectrumH / ExecuteRealFFT at n = %d: %.3f real time, %.3f CPU time "
                 "(overhead %.0f ns real, %.0f ns CPU per call)\n", kN, sr / fr, sc / fc, sr - fr, sc - fc);
   }
