@@ -193,6 +193,22 @@ def smallest_factor(n):
     return n
 
 
+def twiddled(g, r, load):
+    """The r inputs of a twiddle butterfly, load(t) giving input t as a
+    (re, im) pair, each input t >= 1 multiplied by its twiddle from the
+    tables. Loads are issued in input order, twiddles right after their input."""
+    ys = []
+    for t in range(r):
+        a, b = load(t)
+        if t == 0:
+            ys.append((a, b))
+        else:
+            wr = g.load("wc[%d * mm]" % (t - 1))
+            wi = g.load("ws[%d * mm]" % (t - 1))
+            ys.append((g.sub(g.mul(a, wr), g.mul(b, wi)), g.add(g.mul(a, wi), g.mul(b, wr))))
+    return ys
+
+
 def dft(g, xs):
     """Forward DFT (e^-) of a list of complex values."""
     n = len(xs)
@@ -288,17 +304,8 @@ def hc_twiddle(r):
     st0 += [("d[%d * ms]" % (r - q), X[q][1]) for q in range(1, (r + 1) // 2)]
     # 0 < k < m/2: sub-spectrum pairs (k, m-k), twiddled, full complex DFT.
     g1 = Dag()
-    ys = []
-    for t in range(r):
-        a = g1.load("d[%d * ms + k * s]" % t)
-        b = g1.load("d[%d * ms + (m - k) * s]" % t)
-        if t == 0:
-            ys.append((a, b))
-        else:
-            wr = g1.load("wc[%d * mm]" % (t - 1))
-            wi = g1.load("ws[%d * mm]" % (t - 1))
-            ys.append((g1.sub(g1.mul(a, wr), g1.mul(b, wi)), g1.add(g1.mul(a, wi), g1.mul(b, wr))))
-    X = dft(g1, ys)
+    X = dft(g1, twiddled(g1, r, lambda t: (g1.load("d[%d * ms + k * s]" % t),
+                                           g1.load("d[%d * ms + (m - k) * s]" % t))))
     st1 = []
     for q in range(r):
         lo = "d[%d * ms + k * s]" % q
@@ -391,17 +398,8 @@ def cx_twiddle(r):
     for q in range(r):
         st0 += [("re[%d * ms]" % q, X[q][0]), ("im[%d * ms]" % q, X[q][1])]
     g1 = Dag()
-    ys = []
-    for t in range(r):
-        a = g1.load("re[%d * ms + k * s]" % t)
-        b = g1.load("im[%d * ms + k * s]" % t)
-        if t == 0:
-            ys.append((a, b))
-        else:
-            wr = g1.load("wc[%d * mm]" % (t - 1))
-            wi = g1.load("ws[%d * mm]" % (t - 1))
-            ys.append((g1.sub(g1.mul(a, wr), g1.mul(b, wi)), g1.add(g1.mul(a, wi), g1.mul(b, wr))))
-    X = dft(g1, ys)
+    X = dft(g1, twiddled(g1, r, lambda t: (g1.load("re[%d * ms + k * s]" % t),
+                                           g1.load("im[%d * ms + k * s]" % t))))
     st1 = []
     for q in range(r):
         st1 += [("re[%d * ms + k * s]" % q, X[q][0]), ("im[%d * ms + k * s]" % q, X[q][1])]
