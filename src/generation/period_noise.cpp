@@ -5,7 +5,7 @@
 #include <cmath>
 
 #include "frame/scratch.hpp"
-#include "transforms/fft.hpp"
+#include "transforms/shared_table.hpp"
 
 namespace jq::gen {
 
@@ -34,11 +34,9 @@ int32_t period_noise(double* out, int32_t n, double amplitude, int32_t seed, Ran
   // Half-complex layout, packed in re: the upper half holds the imaginary
   // parts of the lower bins, which are those of the upper bins negated.
   for (int32_t j = n / 2 + 1; j < n; ++j) re[j] = -im[j];
-  fft::FFTTable* table = fft::create_table(static_cast<uint32_t>(n));
-  if (!table) return kNoMemory;
-  const int32_t code = fft::ExecuteInverseRealFFT(table, re.data(), out, 1, 1, n);
-  fft::destroy_table(table);
-  return code;
+  const fft::SharedTable table(static_cast<uint32_t>(n));
+  if (!table.get()) return kNoMemory;
+  return fft::ExecuteInverseRealFFT(table.get(), re.data(), out, 1, 1, n);
 }
 
 }  // namespace jq::gen

@@ -1,11 +1,12 @@
 #include "transforms/spectra.hpp"
 
 #include <cstddef>
+#include <optional>
 
 #include "frame/errors.hpp"
 #include "frame/scratch.hpp"
 #include "transforms/fft.hpp"
-#include "transforms/lease.hpp"
+#include "transforms/shared_table.hpp"
 
 namespace jq::fft {
 namespace {
@@ -16,21 +17,21 @@ class Work {
  public:
   int32_t prepare(int32_t n, size_t arrays) {
     n_ = n;
-    if (int32_t rc = own_.get(0, static_cast<uint32_t>(n), &table_)) return rc;
+    own_.emplace(static_cast<uint32_t>(n));
+    if (!table()) return kNoMemory;
     return arrays ? scratch_.allocate(arrays * static_cast<size_t>(n)) : kOk;
   }
-  const FFTTable* table() const { return table_; }
+  const FFTTable* table() const { return own_ ? own_->get() : nullptr; }
   double* array(size_t i) const { return scratch_.data() + i * static_cast<size_t>(n_); }
 
   // The complex FFT of interleaved x into the split arrays re and im.
   int32_t complex_fft(const cdouble* x, size_t re, size_t im) const {
     const double* parts = reinterpret_cast<const double*>(x);
-    return ExecuteComplexFFT(table_, parts, parts + 1, array(re), array(im), 2, 1, n_);
+    return ExecuteComplexFFT(table(), parts, parts + 1, array(re), array(im), 2, 1, n_);
   }
 
  private:
-  TableSource own_ = TableSource::plain(nullptr);  // a table for this call only
-  FFTTable* table_ = nullptr;
+  std::optional<SharedTable> own_;  // a table for this call only
   Scratch<double> scratch_;
   int32_t n_ = 0;
 };
