@@ -1,7 +1,7 @@
 // The FFT engine's real and complex transforms beside FFTW (plans made with
-// FFTW_ESTIMATE and FFTW_MEASURE outside the timed loop), and the per-call
-// cost of SpectrumH with a kept table. After the runs a table of time
-// ratios (engine / FFTW) is printed.
+// FFTW_ESTIMATE and FFTW_MEASURE outside the timed loop). After the runs a
+// table of time ratios (engine / FFTW) is printed. The per-call cost of
+// SpectrumH is measured by spectra_bench.cpp.
 #include <benchmark/benchmark.h>
 #include <fftw3.h>
 
@@ -12,8 +12,6 @@
 #include <string>
 #include <vector>
 
-#include "jqanlys.h"
-#include "jqrt.hpp"
 #include "transforms/fft.hpp"
 
 using namespace jq::fft;
@@ -110,38 +108,6 @@ BENCHMARK(engine_complex_interleaved)->Apply(lengths);
 BENCHMARK(fftw_complex_<FFTW_ESTIMATE>)->Name("fftw_complex_estimate")->Apply(lengths);
 BENCHMARK(fftw_complex_<FFTW_MEASURE>)->Name("fftw_complex_measure")->Apply(lengths);
 
-// SpectrumH at n = 1024 with the call site's table kept, beside the bare
-// real transform of the same length: the per-call overhead of the export
-// (validation, table look-up, scratch, squaring). Both copy the
-// input first, since SpectrumH overwrites it.
-void spectrum_export(benchmark::State& st) {
-  const int n = static_cast<int>(st.range(0));
-  const auto x = signal(n);
-  jqrt::Array<double> h(n);
-  void* slot = nullptr;
-  for (auto _ : st) {
-    std::copy(x.begin(), x.end(), h.data());
-    SpectrumH(h.h(), &slot);
-    benchmark::DoNotOptimize(h.data());
-  }
-  jqrt_dispose_context();
-}
-BENCHMARK(spectrum_export)->Arg(1024);
-// The same copy of the input plus the bare transform.
-void engine_real_copy(benchmark::State& st) {
-  const int n = static_cast<int>(st.range(0));
-  FFTTable* t = create_table(n);
-  const auto x = signal(n);
-  std::vector<double> h(n), y(n);
-  for (auto _ : st) {
-    std::copy(x.begin(), x.end(), h.data());
-    ExecuteRealFFT(t, h.data(), y.data(), 1, 1, n);
-    benchmark::DoNotOptimize(y.data());
-  }
-  destroy_table(t);
-}
-BENCHMARK(engine_real_copy)->Arg(1024);
-
 // Collects times per (benchmark, length) for the ratio table.
 class Collector : public benchmark::ConsoleReporter {
  public:
@@ -192,9 +158,6 @@ void print_table(Collector& c) {
   std::printf("\n%8s", "max");
   for (auto& v : all) std::printf(" %10.2f", *std::max_element(v.begin(), v.end()));
   std::printf("\n(cx2: the engine on interleaved data with strides of 2, as the exports call it)\n");
-  const double sp = c.times["spectrum_export"][1024], bare = c.times["engine_real_copy"][1024];
-  std::printf("SpectrumH, n = 1024, kept table: %.0f ns per call; bare real FFT %.0f ns; overhead %.0f ns\n", sp,
-              bare, sp - bare);
 }
 
 }  // namespace
