@@ -29,25 +29,6 @@ template <> struct HostType<uint8_t> { static constexpr int32_t code = 5, offset
 
 constexpr int32_t kOffset2D = 8;
 
-// Data offset of a block of the given type code and rank; -1 for an unknown code.
-constexpr int32_t data_offset(int32_t type_code, int32_t dims) {
-  switch (type_code) {
-    case 10: case 13: return 8;
-    case 3: case 5: case 7: case 9: case 12: return dims >= 2 ? 8 : 4;
-    default: return -1;
-  }
-}
-
-constexpr size_t element_size(int32_t type_code) {
-  switch (type_code) {
-    case 3: case 7: case 9: return 4;
-    case 5: return 1;
-    case 10: case 12: return 8;
-    case 13: return 16;
-    default: return 0;
-  }
-}
-
 // A block reachable through a handle, or null for a null handle or master pointer.
 inline uint8_t* block_of(Handle h) { return h ? *h : nullptr; }
 

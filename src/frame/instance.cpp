@@ -11,6 +11,8 @@ namespace {
 int32_t cleanup_measurement(void* instance) {
   auto* m = static_cast<MeasurementInstance*>(instance);
   std::free(m->values);
+  m->values = nullptr;
+  m->count = 0;
   std::free(m);
   return 0;
 }
@@ -33,11 +35,7 @@ int32_t acquire_measurement_instance_idp(void** slot, MeasurementInstance** out)
 
 int32_t release_measurement_instance(void** slot) {
   if (!slot || !*slot) return 0;
-  auto* m = static_cast<MeasurementInstance*>(*slot);
-  std::free(m->values);
-  m->values = nullptr;
-  m->count = 0;
-  std::free(m);
+  cleanup_measurement(*slot);
   *slot = nullptr;
   return 0;
 }
