@@ -1,7 +1,7 @@
 #!/usr/bin/python3
-"""Writes tests/transforms/fft2d_oracle.hpp: 2-D FFT cases computed by numpy.
+"""Writes tests/transforms/fft2d_oracle.inc: 2-D FFT cases computed by numpy.
 
-    /usr/bin/python3 tools/gen_fft2d_oracle.py > tests/transforms/fft2d_oracle.hpp
+    /usr/bin/python3 tools/gen_fft2d_oracle.py > tests/transforms/fft2d_oracle.inc
 """
 import numpy as np
 

@@ -7,7 +7,7 @@ library's are on every platform.
 A plain re-implementation of the continuous waves (the sine recurrence, the
 phase reduction, the kept phase) and the chirp, with the same operation
 order, so that the library's samples must agree bit for bit. Run:
-    /usr/bin/python3 tools/waves_reference.py > tests/generation/waves_reference.hpp
+    /usr/bin/python3 tools/waves_reference.py > tests/generation/waves_reference.inc
 """
 import math
 

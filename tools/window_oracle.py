@@ -2,7 +2,7 @@
 """Reference window samples from scipy.signal.windows for the window tests.
 
 Run with the system python (which sees numpy and scipy):
-    /usr/bin/python3 tools/window_oracle.py > tests/windows/window_oracle.hpp
+    /usr/bin/python3 tools/window_oracle.py > tests/windows/window_oracle.inc
 
 Each case is (window code, parameter, symmetric flag, length, samples). The
 periodic form of a scipy window is its sym=False form; the symmetric form is

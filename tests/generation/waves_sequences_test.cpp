@@ -9,7 +9,7 @@
 #include "jqanlys.h"
 #include "jqrt.hpp"
 #include "generation/waves_trig.hpp"
-#include "waves_reference.hpp"
+#include "waves_reference.inc"
 
 namespace {
 

@@ -2,7 +2,7 @@
 // order, emptied outputs and the per-call-site tables.
 #include <gtest/gtest.h>
 
-#include "fft2d_oracle.hpp"
+#include "fft2d_oracle.inc"
 #include "jqanlys.h"
 #include "jqrt.hpp"
 #include "reference.hpp"

@@ -8,7 +8,7 @@
 #include "jqanlys.h"
 #include "jqrt.hpp"
 #include "support/oracle.hpp"
-#include "window_oracle.hpp"
+#include "window_oracle.inc"
 
 namespace {
 
