@@ -139,7 +139,7 @@ class Dag:
             return None
         return self._mk("mul", a, b)
 
-    def emit(self, roots, indent):
+    def emit(self, roots, indent, typ):
         live = set()
         stack = [r for r in roots if r is not None]
         while stack:
@@ -167,7 +167,7 @@ class Dag:
                 e = "%s * %s" % args
             else:
                 e = "%s * %s" % args
-            out.append("%sconst double %s = %s;" % (indent, name, e))
+            out.append("%sconst %s %s = %s;" % (indent, typ, name, e))
         return out
 
 
@@ -203,8 +203,8 @@ def twiddled(g, r, load):
         if t == 0:
             ys.append((a, b))
         else:
-            wr = g.load("wc[%d * mm]" % (t - 1))
-            wi = g.load("ws[%d * mm]" % (t - 1))
+            wr = g.load("ld<T>(wc + %d * wm)" % (t - 1))
+            wi = g.load("ld<T>(ws + %d * wm)" % (t - 1))
             ys.append((g.sub(g.mul(a, wr), g.mul(b, wi)), g.add(g.mul(a, wi), g.mul(b, wr))))
     return ys
 
@@ -255,65 +255,83 @@ def dft_prime(g, xs):
     return out
 
 
-def store(dest, val):
-    return "%s = %s;" % (dest, val if val is not None else "0.0")
-
-
-def body(g, roots_and_stores, indent):
-    lines = g.emit([v for _, v in roots_and_stores], indent)
-    for dest, v in roots_and_stores:
-        lines.append(indent + store(dest, v))
+def body(g, loads_and_stores, indent, typ):
+    """Straight-line code for the live part of the graph, then the stores.
+    Each store is (callable producing the statement from value names)."""
+    roots = []
+    for st in loads_and_stores:
+        roots += [v for v in st[1] if v is not None]
+    lines = g.emit(roots, indent, typ)
+    for fmt, vals in loads_and_stores:
+        lines.append(indent + fmt % tuple(v if v is not None else "%s{}" % typ for v in vals))
     return lines
+
+
+def grouped_stores(ptr, stride, vals):
+    """Stores of vals[q] to ptr[q * stride], in groups of four consecutive
+    positions (transposed by the leaf accessor) and single stores for the
+    rest."""
+    out = []
+    r = len(vals)
+    q = 0
+    while q + 4 <= r:
+        out.append(("a.st4(%s + %d * %s, %%s, %%s, %%s, %%s);" % (ptr, q, stride), vals[q:q + 4]))
+        q += 4
+    while q < r:
+        out.append(("a.st1(%s + %d * %s, %%s);" % (ptr, q, stride), [vals[q]]))
+        q += 1
+    return out
+
+
+def half_complex(X, r):
+    """Positions 0 .. r-1 of the half-complex layout of a real DFT."""
+    vals = [None] * r
+    for k in range(r // 2 + 1):
+        vals[k] = X[k][0]
+    for k in range(1, (r + 1) // 2):
+        vals[r - k] = X[k][1]
+    return vals
 
 
 def hc_leaf(r):
     g = Dag()
-    xs = [(g.load("x[%d * is]" % j), None) for j in range(r)]
+    xs = [(g.load("a.ld(x + %d * is)" % j), None) for j in range(r)]
     X = dft(g, xs)
-    st = [("y[%d * os]" % k, X[k][0]) for k in range(r // 2 + 1)]
-    st += [("y[%d * os]" % (r - k), X[k][1]) for k in range(1, (r + 1) // 2)]
-    ind = "      "
+    st = grouped_stores("y", "os", half_complex(X, r))
     lines = [
-        "template <int U> static inline void hc_leaf_%d_(const double* __restrict in, double* __restrict out,"
-        " ptrdiff_t is_, ptrdiff_t os, ptrdiff_t idist, ptrdiff_t odist, int count) {" % r,
-        "  const ptrdiff_t is = U ? 1 : is_;",
-        "  JQ_IVDEP",
-        "  for (int c = 0; c < count; ++c) {",
-        "    const double* __restrict x = in + c * idist;",
-        "    double* __restrict y = out + c * odist;",
-        "    {",
+        "template <class A> static inline void hc_leaf_%d_(const A& a, const double* __restrict x,"
+        " double* __restrict y, ptrdiff_t is, ptrdiff_t os) {" % r,
+        "  using T = typename A::T;",
     ]
-    lines += body(g, st, ind)
-    lines += ["    }", "  }", "}"]
-    lines += [
-        "static void hc_leaf_%d(const double* in, double* out, ptrdiff_t is, ptrdiff_t os, ptrdiff_t idist,"
-        " ptrdiff_t odist, int count) {" % r,
-        "  if (is == 1) hc_leaf_%d_<1>(in, out, 1, os, idist, odist, count);" % r,
-        "  else hc_leaf_%d_<0>(in, out, is, os, idist, odist, count);" % r,
-        "}",
-    ]
+    lines += body(g, st, "  ", "T")
+    lines += ["}"]
+    lines += ["static void hc_leaf_%d(const double* in, double* out, ptrdiff_t is, ptrdiff_t os, ptrdiff_t idist,"
+              " ptrdiff_t odist, int count) {" % r,
+              "  leaf_loop(in, out, is, os, idist, odist, count,",
+              "            [&](const auto& a, const double* x, double* y) { hc_leaf_%d_(a, x, y, is, os); });" % r,
+              "}"]
     return lines
 
 
 def hc_twiddle(r):
-    ind = "      "
     # k = 0: a real DFT of the r sub-spectra's DC terms.
     g0 = Dag()
     X = dft(g0, [(g0.load("d[%d * ms]" % t), None) for t in range(r)])
-    st0 = [("d[%d * ms]" % q, X[q][0]) for q in range(r // 2 + 1)]
-    st0 += [("d[%d * ms]" % (r - q), X[q][1]) for q in range(1, (r + 1) // 2)]
+    st0 = [("d[%d * ms] = %%s;" % q, [v]) for q, v in enumerate(half_complex(X, r))]
     # 0 < k < m/2: sub-spectrum pairs (k, m-k), twiddled, full complex DFT.
+    # f points at bin k of block 0, b at bin m-k; the vector form runs k
+    # upward in f and downward in b.
     g1 = Dag()
-    X = dft(g1, twiddled(g1, r, lambda t: (g1.load("d[%d * ms + k * s]" % t),
-                                           g1.load("d[%d * ms + (m - k) * s]" % t))))
+    X = dft(g1, twiddled(g1, r, lambda t: (g1.load("ld<T>(f + %d * ms)" % t),
+                                           g1.load("ldr<T>(b + %d * ms)" % t))))
     st1 = []
     for q in range(r):
-        lo = "d[%d * ms + k * s]" % q
-        hi = "d[%d * ms + (m - k) * s]" % (r - 1 - q)
+        lo = "f + %d * ms" % q
+        hi = "b + %d * ms" % (r - 1 - q)
         if q <= (r - 1) // 2:
-            st1 += [(lo, X[q][0]), (hi, X[q][1])]
+            st1 += [("st<T>(%s, %%s);" % lo, [X[q][0]]), ("str<T>(%s, %%s);" % hi, [X[q][1]])]
         else:
-            st1 += [(hi, X[q][0]), (lo, g1.neg(X[q][1]))]
+            st1 += [("str<T>(%s, %%s);" % hi, [X[q][0]]), ("st<T>(%s, %%s);" % lo, [g1.neg(X[q][1])])]
     # k = m/2 for even m: real values, twiddled by e^(-i pi t/r).
     g2 = Dag()
     ys = [cmulc(g2, (g2.load("d[%d * ms + h]" % t), None), unit_root(t, 2 * r)) for t in range(r)]
@@ -321,112 +339,79 @@ def hc_twiddle(r):
     st2 = []
     for q in range(r):
         if 2 * q + 1 < r:
-            st2 += [("d[%d * ms + h]" % q, X[q][0]), ("d[%d * ms + h]" % (r - 1 - q), X[q][1])]
+            st2 += [("d[%d * ms + h] = %%s;" % q, [X[q][0]]), ("d[%d * ms + h] = %%s;" % (r - 1 - q), [X[q][1]])]
         elif 2 * q + 1 == r:
-            st2 += [("d[%d * ms + h]" % q, X[q][0])]
+            st2 += [("d[%d * ms + h] = %%s;" % q, [X[q][0]])]
     lines = [
-        "template <int U> static inline void hc_twiddle_%d_(double* __restrict d, const double* __restrict twc,"
-        " const double* __restrict tws, ptrdiff_t s_, int m) {" % r,
-        "  const ptrdiff_t s = U ? 1 : s_;",
+        "template <class T> static inline void hc_twiddle_%d_(double* __restrict f, double* __restrict b,"
+        " const double* __restrict wc, const double* __restrict ws, ptrdiff_t ms, ptrdiff_t wm) {" % r,
+    ]
+    lines += body(g1, st1, "  ", "T")
+    lines += ["}"]
+    lines += [
+        "static void hc_twiddle_%d(double* d, const double* twc, const double* tws, ptrdiff_t s, int m) {" % r,
         "  const ptrdiff_t ms = m * s;",
-        "  const ptrdiff_t mm = m - 1;",
         "  {",
     ]
-    lines += body(g0, st0, "    ")
+    lines += body(g0, st0, "    ", "double")
     lines += [
         "  }",
-        "  JQ_IVDEP",
-        "  for (int k = 1, half = (m - 1) / 2; k <= half; ++k) {",
-        "    const double* __restrict wc = twc + (k - 1);",
-        "    const double* __restrict ws = tws + (k - 1);",
-        "    {",
-    ]
-    lines += body(g1, st1, ind)
-    lines += [
-        "    }",
-        "  }",
+        "  hc_twiddle_loop(d, twc, tws, s, m, [&](auto lanes, double* f, double* b, const double* wc, const double* ws) {",
+        "    hc_twiddle_%d_<decltype(lanes)>(f, b, wc, ws, ms, m);" % r,
+        "  });",
         "  if (m % 2 == 0) {",
         "    const ptrdiff_t h = (m / 2) * s;",
     ]
-    lines += body(g2, st2, "    ")
+    lines += body(g2, st2, "    ", "double")
     lines += ["  }", "}"]
-    lines += [
-        "static void hc_twiddle_%d(double* d, const double* twc, const double* tws, ptrdiff_t s, int m) {" % r,
-        "  if (s == 1) hc_twiddle_%d_<1>(d, twc, tws, 1, m);" % r,
-        "  else hc_twiddle_%d_<0>(d, twc, tws, s, m);" % r,
-        "}",
-    ]
     return lines
 
 
 def cx_leaf(r):
     g = Dag()
-    xs = [(g.load("xr[%d * is]" % j), g.load("xi[%d * is]" % j)) for j in range(r)]
+    xs = [(g.load("a.ld(xr + %d * is)" % j), g.load("a.ld(xi + %d * is)" % j)) for j in range(r)]
     X = dft(g, xs)
-    st = []
-    for q in range(r):
-        st += [("yr[%d * os]" % q, X[q][0]), ("yi[%d * os]" % q, X[q][1])]
+    st = grouped_stores("yr", "os", [x[0] for x in X]) + grouped_stores("yi", "os", [x[1] for x in X])
     lines = [
-        "template <int U> static inline void cx_leaf_%d_(const double* __restrict ir, const double* __restrict ii,"
-        " double* __restrict or_, double* __restrict oi, ptrdiff_t is_, ptrdiff_t os, ptrdiff_t idist,"
-        " ptrdiff_t odist, int count) {" % r,
-        "  const ptrdiff_t is = U ? 1 : is_;",
-        "  JQ_IVDEP",
-        "  for (int c = 0; c < count; ++c) {",
-        "    const double* __restrict xr = ir + c * idist;",
-        "    const double* __restrict xi = ii + c * idist;",
-        "    double* __restrict yr = or_ + c * odist;",
-        "    double* __restrict yi = oi + c * odist;",
-        "    {",
+        "template <class A> static inline void cx_leaf_%d_(const A& a, const double* __restrict xr,"
+        " const double* __restrict xi, double* __restrict yr, double* __restrict yi, ptrdiff_t is,"
+        " ptrdiff_t os) {" % r,
+        "  using T = typename A::T;",
     ]
-    lines += body(g, st, "      ")
-    lines += ["    }", "  }", "}"]
+    lines += body(g, st, "  ", "T")
+    lines += ["}"]
     lines += [
         "static void cx_leaf_%d(const double* ir, const double* ii, double* or_, double* oi, ptrdiff_t is,"
         " ptrdiff_t os, ptrdiff_t idist, ptrdiff_t odist, int count) {" % r,
-        "  if (is == 1) cx_leaf_%d_<1>(ir, ii, or_, oi, 1, os, idist, odist, count);" % r,
-        "  else cx_leaf_%d_<0>(ir, ii, or_, oi, is, os, idist, odist, count);" % r,
+        "  leaf_loop(ir, or_, is, os, idist, odist, count, [&](const auto& a, const double* xr, double* yr) {",
+        "    cx_leaf_%d_(a, xr, ii + (xr - ir), yr, oi + (yr - or_), is, os);" % r,
+        "  });",
         "}",
     ]
     return lines
 
 
 def cx_twiddle(r):
-    g0 = Dag()
-    X = dft(g0, [(g0.load("re[%d * ms]" % t), g0.load("im[%d * ms]" % t)) for t in range(r)])
-    st0 = []
-    for q in range(r):
-        st0 += [("re[%d * ms]" % q, X[q][0]), ("im[%d * ms]" % q, X[q][1])]
     g1 = Dag()
-    X = dft(g1, twiddled(g1, r, lambda t: (g1.load("re[%d * ms + k * s]" % t),
-                                           g1.load("im[%d * ms + k * s]" % t))))
+    X = dft(g1, twiddled(g1, r, lambda t: (g1.load("ld<T>(re + %d * ms)" % t),
+                                           g1.load("ld<T>(im + %d * ms)" % t))))
     st1 = []
     for q in range(r):
-        st1 += [("re[%d * ms + k * s]" % q, X[q][0]), ("im[%d * ms + k * s]" % q, X[q][1])]
+        st1 += [("st<T>(re + %d * ms, %%s);" % q, [X[q][0]]), ("st<T>(im + %d * ms, %%s);" % q, [X[q][1]])]
     lines = [
-        "template <int U> static inline void cx_twiddle_%d_(double* __restrict re, double* __restrict im,"
-        " const double* __restrict twc, const double* __restrict tws, ptrdiff_t s_, int m) {" % r,
-        "  const ptrdiff_t s = U ? 1 : s_;",
-        "  const ptrdiff_t ms = m * s;",
-        "  const ptrdiff_t mm = m - 1;",
-        "  {",
+        "template <class T> static inline void cx_twiddle_%d_(double* __restrict re, double* __restrict im,"
+        " const double* __restrict wc, const double* __restrict ws, ptrdiff_t ms, ptrdiff_t wm) {" % r,
     ]
-    lines += body(g0, st0, "    ")
-    lines += [
-        "  }",
-        "  JQ_IVDEP",
-        "  for (int k = 1; k < m; ++k) {",
-        "    const double* __restrict wc = twc + (k - 1);",
-        "    const double* __restrict ws = tws + (k - 1);",
-        "    {",
-    ]
-    lines += body(g1, st1, "      ")
-    lines += ["    }", "  }", "}"]
+    lines += body(g1, st1, "  ", "T")
+    lines += ["}"]
     lines += [
         "static void cx_twiddle_%d(double* re, double* im, const double* twc, const double* tws, ptrdiff_t s,"
         " int m) {" % r,
-        "  if (s == 1) cx_twiddle_%d_<1>(re, im, twc, tws, 1, m);" % r,
-        "  else cx_twiddle_%d_<0>(re, im, twc, tws, s, m);" % r,
+        "  const ptrdiff_t ms = m * s;",
+        "  cx_twiddle_loop(re, im, twc, tws, s, m, [&](auto lanes, double* r, double* i, const double* wc,"
+        " const double* ws) {",
+        "    cx_twiddle_%d_<decltype(lanes)>(r, i, wc, ws, ms, m);" % r,
+        "  });",
         "}",
     ]
     return lines

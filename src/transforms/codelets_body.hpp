@@ -2,16 +2,151 @@
 // codelets.cpp (baseline x86-64) and codelets_avx2.cpp (built with AVX2)
 // with JQ_CODELET_NS naming the variant. Both variants perform the same
 // operations in the same order, so their results are identical.
+//
+// A butterfly body is written once, over a lane type T: double for one
+// butterfly, or a vector V holding kW independent butterflies side by side.
+// The loops below run vectors over the butterflies they can and finish the
+// rest one at a time.
 #include <cstddef>
 
 #include "transforms/codelets.hpp"
 
-// The butterflies of one loop are independent; the pragma lets the compiler
-// vectorise across them without proving it.
-#define JQ_IVDEP _Pragma("GCC ivdep")
-
 namespace jq::fft::JQ_CODELET_NS {
 namespace {
+
+#if defined(__AVX__)
+#define JQ_LANES 4
+#else
+#define JQ_LANES 2
+#endif
+constexpr int kW = JQ_LANES;
+typedef double V __attribute__((vector_size(kW * sizeof(double))));
+typedef long long VI __attribute__((vector_size(kW * sizeof(long long))));
+
+template <class T> inline T ld(const double* p);
+template <> inline double ld<double>(const double* p) { return *p; }
+template <> inline V ld<V>(const double* p) {
+  V v;
+  __builtin_memcpy(&v, p, sizeof v);
+  return v;
+}
+inline void st_(double* p, double v) { *p = v; }
+inline void st_(double* p, V v) { __builtin_memcpy(p, &v, sizeof v); }
+template <class T> inline void st(double* p, T v) { st_(p, v); }
+
+inline V reversed(V v) {
+#if JQ_LANES == 4
+  return __builtin_shuffle(v, VI{3, 2, 1, 0});
+#else
+  return __builtin_shuffle(v, VI{1, 0});
+#endif
+}
+
+// Loads and stores that run the lanes downward from p (the half-complex
+// twiddle forms walk bins k upward and m-k downward at once).
+template <class T> inline T ldr(const double* p);
+template <> inline double ldr<double>(const double* p) { return *p; }
+template <> inline V ldr<V>(const double* p) { return reversed(ld<V>(p - (kW - 1))); }
+inline void str_(double* p, double v) { *p = v; }
+inline void str_(double* p, V v) { st_(p - (kW - 1), reversed(v)); }
+template <class T> inline void str(double* p, T v) { str_(p, v); }
+
+// ---- leaves: `count` DFTs, DFT c reading at in + c*idist, writing at out + c*odist
+
+struct LeafScalar {
+  using T = double;
+  ptrdiff_t os;
+  double ld(const double* p) const { return *p; }
+  void st1(double* p, double v) const { *p = v; }
+  void st4(double* p, double a, double b, double c, double d) const {
+    p[0] = a;
+    p[os] = b;
+    p[2 * os] = c;
+    p[3 * os] = d;
+  }
+};
+
+// kW DFTs at once. Their inputs are side by side when idist is 1 (Unit);
+// their outputs are idist apart, so four consecutive outputs of every DFT
+// are transposed into one row each before they are stored.
+template <bool Unit> struct LeafVector {
+  using T = V;
+  ptrdiff_t idist, odist, os;
+  V ld(const double* p) const {
+    if constexpr (Unit) {
+      return jq::fft::JQ_CODELET_NS::ld<V>(p);
+    } else {
+      V v;
+      for (int i = 0; i < kW; ++i) v[i] = p[i * idist];
+      return v;
+    }
+  }
+  void st1(double* p, V v) const {
+    for (int i = 0; i < kW; ++i) p[i * odist] = v[i];
+  }
+  void st4(double* p, V a, V b, V c, V d) const {
+    if (os != 1) {
+      st1(p, a);
+      st1(p + os, b);
+      st1(p + 2 * os, c);
+      st1(p + 3 * os, d);
+      return;
+    }
+#if JQ_LANES == 4
+    const V ab0 = __builtin_shuffle(a, b, VI{0, 4, 2, 6}), ab1 = __builtin_shuffle(a, b, VI{1, 5, 3, 7});
+    const V cd0 = __builtin_shuffle(c, d, VI{0, 4, 2, 6}), cd1 = __builtin_shuffle(c, d, VI{1, 5, 3, 7});
+    st_(p, __builtin_shuffle(ab0, cd0, VI{0, 1, 4, 5}));
+    st_(p + odist, __builtin_shuffle(ab1, cd1, VI{0, 1, 4, 5}));
+    st_(p + 2 * odist, __builtin_shuffle(ab0, cd0, VI{2, 3, 6, 7}));
+    st_(p + 3 * odist, __builtin_shuffle(ab1, cd1, VI{2, 3, 6, 7}));
+#else
+    st_(p, __builtin_shuffle(a, b, VI{0, 2}));
+    st_(p + 2, __builtin_shuffle(c, d, VI{0, 2}));
+    st_(p + odist, __builtin_shuffle(a, b, VI{1, 3}));
+    st_(p + odist + 2, __builtin_shuffle(c, d, VI{1, 3}));
+#endif
+  }
+};
+
+template <class F>
+inline void leaf_loop(const double* in, double* out, ptrdiff_t is, ptrdiff_t os, ptrdiff_t idist, ptrdiff_t odist,
+                      int count, F body) {
+  (void)is;
+  int c = 0;
+  if (idist == 1) {
+    const LeafVector<true> a{idist, odist, os};
+    for (; c + kW <= count; c += kW) body(a, in + c, out + c * odist);
+  } else {
+    const LeafVector<false> a{idist, odist, os};
+    for (; c + kW <= count; c += kW) body(a, in + c * idist, out + c * odist);
+  }
+  const LeafScalar a{os};
+  for (; c < count; ++c) body(a, in + c * idist, out + c * odist);
+}
+
+// ---- combinations with twiddles, in place, butterfly k at element k*s
+
+// Complex: butterflies k = 0 .. m-1; the twiddle rows hold m entries, the
+// first being 1.
+template <class F>
+inline void cx_twiddle_loop(double* re, double* im, const double* twc, const double* tws, ptrdiff_t s, int m,
+                            F body) {
+  int k = 0;
+  if (s == 1)
+    for (; k + kW <= m; k += kW) body(V{}, re + k, im + k, twc + k, tws + k);
+  for (; k < m; ++k) body(0.0, re + k * s, im + k * s, twc + k, tws + k);
+}
+
+// Half-complex: butterflies on the bin pairs (k, m-k), 0 < k < m/2.
+template <class F>
+inline void hc_twiddle_loop(double* d, const double* twc, const double* tws, ptrdiff_t s, int m, F body) {
+  const int half = (m - 1) / 2;
+  int k = 1;
+  if (s == 1)
+    for (; k + kW - 1 <= half; k += kW) body(V{}, d + k, d + (m - k), twc + k, tws + k);
+  for (; k <= half; ++k) body(0.0, d + k * s, d + (m - k) * s, twc + k, tws + k);
+}
+
 #include "transforms/codelets.inc"
 }  // namespace
 

@@ -48,7 +48,7 @@ struct StageRecord {
   double* kernel_re;  // Rader: transformed kernel, p-1 entries
   double* kernel_im;
   double* twiddle_cos_by_k;  // the twiddles again with i running fastest,
-  double* twiddle_sin_by_k;  //   at (i-1) + (j-1)(m-1), for the butterflies
+  double* twiddle_sin_by_k;  //   at i + (j-1)m, i = 0 .. m-1 (i = 0: 1 and 0)
 };
 
 struct FFTTable {

@@ -65,10 +65,11 @@ bool factor(uint32_t n, FFTTable* t) {
 // the stable rotation recurrence from the half-angle form.
 bool make_twiddles(StageRecord* s, int r, int m, int L) {
   const size_t count = static_cast<size_t>(r - 1) * static_cast<size_t>(m - 1);
+  const size_t rows = static_cast<size_t>(r - 1) * static_cast<size_t>(m);
   s->twiddle_cos = zeroed<double>(count);
   s->twiddle_sin = zeroed<double>(count);
-  s->twiddle_cos_by_k = zeroed<double>(count);
-  s->twiddle_sin_by_k = zeroed<double>(count);
+  s->twiddle_cos_by_k = zeroed<double>(rows);
+  s->twiddle_sin_by_k = zeroed<double>(rows);
   if (!s->twiddle_cos || !s->twiddle_sin || !s->twiddle_cos_by_k || !s->twiddle_sin_by_k) return false;
   const double theta = kTwoPi / L;
   for (int j = 1; j < r; ++j) {
@@ -76,9 +77,12 @@ bool make_twiddles(StageRecord* s, int r, int m, int L) {
     const double alpha = 2 * h * h;
     const double beta = -std::sin(j * theta);
     double c = 1 - alpha, sn = beta;
+    // Butterfly 0 of the by-k rows takes the unit twiddle, so that the
+    // butterflies run as one uniform loop.
+    s->twiddle_cos_by_k[static_cast<size_t>(j - 1) * m] = 1;
     for (int i = 1; i < m; ++i) {
       const size_t at = static_cast<size_t>(j - 1) + static_cast<size_t>(i - 1) * (r - 1);
-      const size_t by_k = static_cast<size_t>(i - 1) + static_cast<size_t>(j - 1) * (m - 1);
+      const size_t by_k = static_cast<size_t>(i) + static_cast<size_t>(j - 1) * m;
       s->twiddle_cos[at] = s->twiddle_cos_by_k[by_k] = c;
       s->twiddle_sin[at] = s->twiddle_sin_by_k[by_k] = sn;
       const double c2 = c - (c * alpha + beta * sn);
