@@ -308,7 +308,9 @@ def hc_leaf(r):
     lines += ["static void hc_leaf_%d(const double* in, double* out, ptrdiff_t is, ptrdiff_t os, ptrdiff_t idist,"
               " ptrdiff_t odist, int count) {" % r,
               "  leaf_loop(in, out, is, os, idist, odist, count,",
-              "            [&](const auto& a, const double* x, double* y) { hc_leaf_%d_(a, x, y, is, os); });" % r,
+              "            [&](const auto& a, const double* x, double* y, ptrdiff_t is_, ptrdiff_t os_) {",
+              "              hc_leaf_%d_(a, x, y, is_, os_);" % r,
+              "            });",
               "}"]
     return lines
 
@@ -383,9 +385,10 @@ def cx_leaf(r):
     lines += [
         "static void cx_leaf_%d(const double* ir, const double* ii, double* or_, double* oi, ptrdiff_t is,"
         " ptrdiff_t os, ptrdiff_t idist, ptrdiff_t odist, int count) {" % r,
-        "  leaf_loop(ir, or_, is, os, idist, odist, count, [&](const auto& a, const double* xr, double* yr) {",
-        "    cx_leaf_%d_(a, xr, ii + (xr - ir), yr, oi + (yr - or_), is, os);" % r,
-        "  });",
+        "  leaf_loop(ir, or_, is, os, idist, odist, count,",
+        "            [&](const auto& a, const double* xr, double* yr, ptrdiff_t is_, ptrdiff_t os_) {",
+        "              cx_leaf_%d_(a, xr, ii + (xr - ir), yr, oi + (yr - or_), is_, os_);" % r,
+        "            });",
         "}",
     ]
     return lines

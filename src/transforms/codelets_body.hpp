@@ -111,17 +111,25 @@ template <bool Unit> struct LeafVector {
 template <class F>
 inline void leaf_loop(const double* in, double* out, ptrdiff_t is, ptrdiff_t os, ptrdiff_t idist, ptrdiff_t odist,
                       int count, F body) {
-  (void)is;
+  // A single DFT (a one-factor length): with unit strides the offsets are
+  // constants, and no loop set-up is paid.
+  if (count == 1) {
+    if (is == 1 && os == 1)
+      body(LeafScalar{1}, in, out, 1, 1);
+    else
+      body(LeafScalar{os}, in, out, is, os);
+    return;
+  }
   int c = 0;
   if (idist == 1) {
     const LeafVector<true> a{idist, odist, os};
-    for (; c + kW <= count; c += kW) body(a, in + c, out + c * odist);
+    for (; c + kW <= count; c += kW) body(a, in + c, out + c * odist, is, os);
   } else {
     const LeafVector<false> a{idist, odist, os};
-    for (; c + kW <= count; c += kW) body(a, in + c * idist, out + c * odist);
+    for (; c + kW <= count; c += kW) body(a, in + c * idist, out + c * odist, is, os);
   }
   const LeafScalar a{os};
-  for (; c < count; ++c) body(a, in + c * idist, out + c * odist);
+  for (; c < count; ++c) body(a, in + c * idist, out + c * odist, is, os);
 }
 
 // ---- combinations with twiddles, in place, butterfly k at element k*s
