@@ -65,6 +65,25 @@ class Dag:
     def __init__(self):
         self.memo = {}
         self.nodes = []  # (name, op, args)
+        self.slots = 0  # local buffer entries used by staged DFTs
+        self.stage = 0
+        self.pending = []  # buffer stores of the open stage
+        self.barriers = {}  # stage -> barrier node
+
+    def spill(self, a):
+        """Stores a into the local buffer; returns the value read back after
+        the stage's barrier."""
+        if a is None:
+            return None
+        slot = self.slots
+        self.slots += 1
+        self.pending.append(self._mk("bst", a, slot))
+        return self._mk("bld", slot, self.stage)
+
+    def barrier(self):
+        self.barriers[self.stage] = self._mk("barrier", self.stage, *self.pending)
+        self.pending = []
+        self.stage += 1
 
     def _mk(self, op, *args):
         key = (op,) + args
@@ -148,26 +167,54 @@ class Dag:
                 continue
             live.add(x)
             name, op, args = self._find(x)[0]
+            if op == "bld":
+                stack.append(self.barriers[args[1]])
             for a in args:
                 if isinstance(a, str) and a.startswith("t") and a[1:].isdigit():
                     stack.append(a)
+        # Values read back from the stage buffer are emitted just before
+        # their first use, everything else in the order it was built.
+        index = {name: i for i, (name, _, _) in enumerate(self.nodes)}
         out = []
-        for name, op, args in self.nodes:
-            if name not in live:
-                continue
+        if self.slots:
+            out.append("%s%s tmp[%d];" % (indent, typ, self.slots))
+        done = set()
+
+        def put(x):
+            if x in done:
+                return
+            done.add(x)
+            name, op, args = self.nodes[index[x]]
+            if op == "bld":
+                put(self.barriers[args[1]])
+            for a in args:
+                if isinstance(a, str) and a in index:
+                    put(a)
+            if op == "bst":
+                out.append("%stmp[%d] = %s;" % (indent, args[1], args[0]))
+                return
+            if op == "barrier":
+                out.append("%sstage_barrier(tmp);" % indent)
+                return
             if op == "load":
                 e = args[0]
+            elif op == "bld":
+                e = "tmp[%d]" % args[0]
             elif op == "neg":
                 e = "-" + args[0]
             elif op == "add":
                 e = "%s + %s" % args
             elif op == "sub":
                 e = "%s - %s" % args
-            elif op == "cmul":
-                e = "%s * %s" % args
             else:
                 e = "%s * %s" % args
             out.append("%sconst %s %s = %s;" % (indent, typ, name, e))
+
+        for name, op, args in self.nodes:
+            if name in live and op != "bld":
+                put(name)
+        for r in roots:
+            put(r)
         return out
 
 
@@ -196,32 +243,51 @@ def smallest_factor(n):
 def twiddled(g, r, load):
     """The r inputs of a twiddle butterfly, load(t) giving input t as a
     (re, im) pair, each input t >= 1 multiplied by its twiddle from the
-    tables. Loads are issued in input order, twiddles right after their input."""
-    ys = []
-    for t in range(r):
+    tables. The inputs are returned unevaluated, so that each is loaded
+    where the DFT first needs it."""
+    def one(t):
         a, b = load(t)
         if t == 0:
-            ys.append((a, b))
-        else:
-            wr = g.load("ld<T>(wc + %d * wm)" % (t - 1))
-            wi = g.load("ld<T>(ws + %d * wm)" % (t - 1))
-            ys.append((g.sub(g.mul(a, wr), g.mul(b, wi)), g.add(g.mul(a, wi), g.mul(b, wr))))
-    return ys
+            return (a, b)
+        wr = g.load("ld<T>(wc + %d * wm)" % (t - 1))
+        wi = g.load("ld<T>(ws + %d * wm)" % (t - 1))
+        return (g.sub(g.mul(a, wr), g.mul(b, wi)), g.add(g.mul(a, wi), g.mul(b, wr)))
+
+    return [lambda t=t: one(t) for t in range(r)]
 
 
-def dft(g, xs):
-    """Forward DFT (e^-) of a list of complex values."""
+def STAGED(r):
+    return r >= 16 and smallest_factor(r) != r
+
+
+def force(x):
+    return x() if callable(x) else x
+
+
+def dft(g, xs, staged=False):
+    """Forward DFT (e^-) of a list of complex values (or of functions
+    giving them). Staged: the sub-DFTs of the first split pass through a
+    local buffer, so that the register allocator sees two small problems
+    instead of one large one."""
     n = len(xs)
     if n == 1:
-        return list(xs)
+        return [force(xs[0])]
     if n == 2:
-        return [cadd(g, xs[0], xs[1]), csub(g, xs[0], xs[1])]
+        x0, x1 = force(xs[0]), force(xs[1])
+        return [cadd(g, x0, x1), csub(g, x0, x1)]
     p = smallest_factor(n)
     if p == n:
-        return dft_prime(g, xs)
+        return dft_prime(g, [force(x) for x in xs])
     a = 4 if n % 4 == 0 and n > 4 else p
     b = n // a
-    z = [dft(g, xs[n1::a]) for n1 in range(a)]
+    z = []
+    for n1 in range(a):
+        zs = dft(g, xs[n1::a])
+        if staged:
+            zs = [(g.spill(re), g.spill(im)) for re, im in zs]
+        z.append(zs)
+    if staged:
+        g.barrier()
     out = [None] * n
     for k1 in range(b):
         ys = [cmulc(g, z[n1][k1], unit_root(n1 * k1, n)) for n1 in range(a)]
@@ -295,8 +361,8 @@ def half_complex(X, r):
 
 def hc_leaf(r):
     g = Dag()
-    xs = [(g.load("a.ld(x + %d * is)" % j), None) for j in range(r)]
-    X = dft(g, xs)
+    xs = [lambda j=j: (g.load("a.ld(x + %d * is)" % j), None) for j in range(r)]
+    X = dft(g, xs, staged=STAGED(r))
     st = grouped_stores("y", "os", half_complex(X, r))
     lines = [
         "template <class A> static inline void hc_leaf_%d_(const A& a, const double* __restrict x,"
@@ -324,7 +390,7 @@ def hc_twiddle(r):
     # f points at bin k of block 0, b at bin m-k; the vector form runs k
     # upward in f and downward in b.
     g1 = Dag()
-    X = dft(g1, twiddled(g1, r, lambda t: (g1.load("ld<T>(f + %d * ms)" % t),
+    X = dft(g1, staged=STAGED(r), xs=twiddled(g1, r, lambda t: (g1.load("ld<T>(f + %d * ms)" % t),
                                            g1.load("ldr<T>(b + %d * ms)" % t))))
     st1 = []
     for q in range(r):
@@ -358,8 +424,9 @@ def hc_twiddle(r):
     lines += body(g0, st0, "    ", "double")
     lines += [
         "  }",
-        "  hc_twiddle_loop(d, twc, tws, s, m, [&](auto lanes, double* f, double* b, const double* wc, const double* ws) {",
-        "    hc_twiddle_%d_<decltype(lanes)>(f, b, wc, ws, ms, m);" % r,
+        "  hc_twiddle_loop(d, twc, tws, s, m, %d, [](auto lanes, double* f, double* b, const double* wc,"
+        " const double* ws, ptrdiff_t ms_, ptrdiff_t wm) {" % r,
+        "    hc_twiddle_%d_<decltype(lanes)>(f, b, wc, ws, ms_, wm);" % r,
         "  });",
         "  if (m % 2 == 0) {",
         "    const ptrdiff_t h = (m / 2) * s;",
@@ -371,8 +438,8 @@ def hc_twiddle(r):
 
 def cx_leaf(r):
     g = Dag()
-    xs = [(g.load("a.ld(xr + %d * is)" % j), g.load("a.ld(xi + %d * is)" % j)) for j in range(r)]
-    X = dft(g, xs)
+    xs = [lambda j=j: (g.load("a.ld(xr + %d * is)" % j), g.load("a.ld(xi + %d * is)" % j)) for j in range(r)]
+    X = dft(g, xs, staged=STAGED(r))
     st = grouped_stores("yr", "os", [x[0] for x in X]) + grouped_stores("yi", "os", [x[1] for x in X])
     lines = [
         "template <class A> static inline void cx_leaf_%d_(const A& a, const double* __restrict xr,"
@@ -396,7 +463,7 @@ def cx_leaf(r):
 
 def cx_twiddle(r):
     g1 = Dag()
-    X = dft(g1, twiddled(g1, r, lambda t: (g1.load("ld<T>(re + %d * ms)" % t),
+    X = dft(g1, staged=STAGED(r), xs=twiddled(g1, r, lambda t: (g1.load("ld<T>(re + %d * ms)" % t),
                                            g1.load("ld<T>(im + %d * ms)" % t))))
     st1 = []
     for q in range(r):
@@ -410,10 +477,9 @@ def cx_twiddle(r):
     lines += [
         "static void cx_twiddle_%d(double* re, double* im, const double* twc, const double* tws, ptrdiff_t s,"
         " int m) {" % r,
-        "  const ptrdiff_t ms = m * s;",
-        "  cx_twiddle_loop(re, im, twc, tws, s, m, [&](auto lanes, double* r, double* i, const double* wc,"
-        " const double* ws) {",
-        "    cx_twiddle_%d_<decltype(lanes)>(r, i, wc, ws, ms, m);" % r,
+        "  cx_twiddle_loop(re, im, twc, tws, s, m, %d, [](auto lanes, double* r, double* i, const double* wc,"
+        " const double* ws, ptrdiff_t ms, ptrdiff_t wm) {" % r,
+        "    cx_twiddle_%d_<decltype(lanes)>(r, i, wc, ws, ms, wm);" % r,
         "  });",
         "}",
     ]

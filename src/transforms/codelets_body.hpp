@@ -51,6 +51,13 @@ inline void str_(double* p, double v) { *p = v; }
 inline void str_(double* p, V v) { st_(p - (kW - 1), reversed(v)); }
 template <class T> inline void str(double* p, T v) { str_(p, v); }
 
+// The large butterflies run in two stages through a local buffer; for
+// vectors the barrier keeps the compiler from merging the stages back into
+// one block whose values no longer fit in registers. One butterfly at a
+// time fits well enough, and there the buffer is left to the compiler.
+inline void stage_barrier(double*) {}
+inline void stage_barrier(V* p) { asm volatile("" : : "r"(p) : "memory"); }
+
 // ---- leaves: `count` DFTs, DFT c reading at in + c*idist, writing at out + c*odist
 
 struct LeafScalar {
@@ -134,25 +141,79 @@ inline void leaf_loop(const double* in, double* out, ptrdiff_t is, ptrdiff_t os,
 
 // ---- combinations with twiddles, in place, butterfly k at element k*s
 
+// The last butterflies, fewer than kW, run as one vector through a
+// buffer laid out [block][lane]: the buffer's blocks are kW apart and so are
+// the twiddle rows. Lanes past the end compute on zeros and are dropped.
+constexpr int kMaxRadix = 43;
+
 // Complex: butterflies k = 0 .. m-1; the twiddle rows hold m entries, the
 // first being 1.
 template <class F>
-inline void cx_twiddle_loop(double* re, double* im, const double* twc, const double* tws, ptrdiff_t s, int m,
+inline void cx_twiddle_loop(double* re, double* im, const double* twc, const double* tws, ptrdiff_t s, int m, int r,
                             F body) {
+  const ptrdiff_t ms = m * s;
   int k = 0;
-  if (s == 1)
-    for (; k + kW <= m; k += kW) body(V{}, re + k, im + k, twc + k, tws + k);
-  for (; k < m; ++k) body(0.0, re + k * s, im + k * s, twc + k, tws + k);
+  if (s == 1) {
+    for (; k + kW <= m; k += kW) body(V{}, re + k, im + k, twc + k, tws + k, ms, m);
+    if (k < m && m >= kW) {
+      alignas(32) double b[4 * kMaxRadix * kW];
+      double *br = b, *bi = b + r * kW, *bc = b + 2 * r * kW, *bs = b + 3 * r * kW;
+      const int n = m - k;
+      for (int t = 0; t < r; ++t)
+        for (int i = 0; i < kW; ++i) {
+          const bool in = i < n;
+          br[t * kW + i] = in ? re[t * ms + k + i] : 0.0;
+          bi[t * kW + i] = in ? im[t * ms + k + i] : 0.0;
+          if (t > 0) {
+            bc[(t - 1) * kW + i] = in ? twc[(t - 1) * m + k + i] : 0.0;
+            bs[(t - 1) * kW + i] = in ? tws[(t - 1) * m + k + i] : 0.0;
+          }
+        }
+      body(V{}, br, bi, bc, bs, ptrdiff_t{kW}, ptrdiff_t{kW});
+      for (int t = 0; t < r; ++t)
+        for (int i = 0; i < n; ++i) {
+          re[t * ms + k + i] = br[t * kW + i];
+          im[t * ms + k + i] = bi[t * kW + i];
+        }
+      return;
+    }
+  }
+  for (; k < m; ++k) body(0.0, re + k * s, im + k * s, twc + k, tws + k, ms, m);
 }
 
-// Half-complex: butterflies on the bin pairs (k, m-k), 0 < k < m/2.
+// Half-complex: butterflies on the bin pairs (k, m-k), 0 < k < m/2. The
+// vector form walks bins k upward and m-k downward.
 template <class F>
-inline void hc_twiddle_loop(double* d, const double* twc, const double* tws, ptrdiff_t s, int m, F body) {
+inline void hc_twiddle_loop(double* d, const double* twc, const double* tws, ptrdiff_t s, int m, int r, F body) {
+  const ptrdiff_t ms = m * s;
   const int half = (m - 1) / 2;
   int k = 1;
-  if (s == 1)
-    for (; k + kW - 1 <= half; k += kW) body(V{}, d + k, d + (m - k), twc + k, tws + k);
-  for (; k <= half; ++k) body(0.0, d + k * s, d + (m - k) * s, twc + k, tws + k);
+  if (s == 1) {
+    for (; k + kW - 1 <= half; k += kW) body(V{}, d + k, d + (m - k), twc + k, tws + k, ms, m);
+    if (k <= half && half >= kW) {
+      alignas(32) double b[4 * kMaxRadix * kW];
+      double *bf = b, *bb = b + r * kW, *bc = b + 2 * r * kW, *bs = b + 3 * r * kW;
+      const int n = half - k + 1;
+      for (int t = 0; t < r; ++t)
+        for (int i = 0; i < kW; ++i) {
+          const bool in = i < n;
+          bf[t * kW + i] = in ? d[t * ms + k + i] : 0.0;
+          bb[t * kW + kW - 1 - i] = in ? d[t * ms + m - k - i] : 0.0;
+          if (t > 0) {
+            bc[(t - 1) * kW + i] = in ? twc[(t - 1) * m + k + i] : 0.0;
+            bs[(t - 1) * kW + i] = in ? tws[(t - 1) * m + k + i] : 0.0;
+          }
+        }
+      body(V{}, bf, bb + kW - 1, bc, bs, ptrdiff_t{kW}, ptrdiff_t{kW});
+      for (int t = 0; t < r; ++t)
+        for (int i = 0; i < n; ++i) {
+          d[t * ms + k + i] = bf[t * kW + i];
+          d[t * ms + m - k - i] = bb[t * kW + kW - 1 - i];
+        }
+      return;
+    }
+  }
+  for (; k <= half; ++k) body(0.0, d + k * s, d + (m - k) * s, twc + k, tws + k, ms, m);
 }
 
 #include "transforms/codelets.inc"
