@@ -349,6 +349,23 @@ def grouped_stores(ptr, stride, vals):
     return out
 
 
+def grouped_complex_stores(X):
+    """Stores of the complex outputs X[q] to yr/yi[q * os], in groups of four
+    as above; real and imaginary parts are stored together, so that
+    interleaved outputs can be written whole."""
+    out = []
+    r = len(X)
+    q = 0
+    while q + 4 <= r:
+        out.append(("a.stc4(yr + %d * os, yi + %d * os, %%s, %%s, %%s, %%s, %%s, %%s, %%s, %%s);" % (q, q),
+                    [x[0] for x in X[q:q + 4]] + [x[1] for x in X[q:q + 4]]))
+        q += 4
+    while q < r:
+        out.append(("a.stc1(yr + %d * os, yi + %d * os, %%s, %%s);" % (q, q), [X[q][0], X[q][1]]))
+        q += 1
+    return out
+
+
 def half_complex(X, r):
     """Positions 0 .. r-1 of the half-complex layout of a real DFT."""
     vals = [None] * r
@@ -373,7 +390,7 @@ def hc_leaf(r):
     lines += ["}"]
     lines += ["static void hc_leaf_%d(const double* in, double* out, ptrdiff_t is, ptrdiff_t os, ptrdiff_t idist,"
               " ptrdiff_t odist, int count) {" % r,
-              "  leaf_loop(in, out, is, os, idist, odist, count,",
+              "  leaf_loop(in, out, is, os, idist, odist, count, false, false,",
               "            [&](const auto& a, const double* x, double* y, ptrdiff_t is_, ptrdiff_t os_) {",
               "              hc_leaf_%d_(a, x, y, is_, os_);" % r,
               "            });",
@@ -438,9 +455,9 @@ def hc_twiddle(r):
 
 def cx_leaf(r):
     g = Dag()
-    xs = [lambda j=j: (g.load("a.ld(xr + %d * is)" % j), g.load("a.ld(xi + %d * is)" % j)) for j in range(r)]
+    xs = [lambda j=j: (g.load("a.ld(xr + %d * is)" % j), g.load("a.ldi(xi + %d * is)" % j)) for j in range(r)]
     X = dft(g, xs, staged=STAGED(r))
-    st = grouped_stores("yr", "os", [x[0] for x in X]) + grouped_stores("yi", "os", [x[1] for x in X])
+    st = grouped_complex_stores(X)
     lines = [
         "template <class A> static inline void cx_leaf_%d_(const A& a, const double* __restrict xr,"
         " const double* __restrict xi, double* __restrict yr, double* __restrict yi, ptrdiff_t is,"
@@ -452,7 +469,7 @@ def cx_leaf(r):
     lines += [
         "static void cx_leaf_%d(const double* ir, const double* ii, double* or_, double* oi, ptrdiff_t is,"
         " ptrdiff_t os, ptrdiff_t idist, ptrdiff_t odist, int count) {" % r,
-        "  leaf_loop(ir, or_, is, os, idist, odist, count,",
+        "  leaf_loop(ir, or_, is, os, idist, odist, count, ii == ir + 1, oi == or_ + 1,",
         "            [&](const auto& a, const double* xr, double* yr, ptrdiff_t is_, ptrdiff_t os_) {",
         "              cx_leaf_%d_(a, xr, ii + (xr - ir), yr, oi + (yr - or_), is_, os_);" % r,
         "            });",
@@ -463,23 +480,22 @@ def cx_leaf(r):
 
 def cx_twiddle(r):
     g1 = Dag()
-    X = dft(g1, staged=STAGED(r), xs=twiddled(g1, r, lambda t: (g1.load("ld<T>(re + %d * ms)" % t),
-                                           g1.load("ld<T>(im + %d * ms)" % t))))
-    st1 = []
-    for q in range(r):
-        st1 += [("st<T>(re + %d * ms, %%s);" % q, [X[q][0]]), ("st<T>(im + %d * ms, %%s);" % q, [X[q][1]])]
+    X = dft(g1, staged=STAGED(r), xs=twiddled(g1, r, lambda t: (g1.load("M::ld(re + %d * ms)" % t),
+                                           g1.load("M::ldi(im + %d * ms)" % t))))
+    st1 = [("M::stc(re + %d * ms, im + %d * ms, %%s, %%s);" % (q, q), [X[q][0], X[q][1]]) for q in range(r)]
     lines = [
-        "template <class T> static inline void cx_twiddle_%d_(double* __restrict re, double* __restrict im,"
+        "template <class M> static inline void cx_twiddle_%d_(double* re, double* im,"
         " const double* __restrict wc, const double* __restrict ws, ptrdiff_t ms, ptrdiff_t wm) {" % r,
+        "  using T = typename M::T;",
     ]
     lines += body(g1, st1, "  ", "T")
     lines += ["}"]
     lines += [
         "static void cx_twiddle_%d(double* re, double* im, const double* twc, const double* tws, ptrdiff_t s,"
         " int m) {" % r,
-        "  cx_twiddle_loop(re, im, twc, tws, s, m, %d, [](auto lanes, double* r, double* i, const double* wc,"
+        "  cx_twiddle_loop(re, im, twc, tws, s, m, %d, [](auto mem, double* r, double* i, const double* wc,"
         " const double* ws, ptrdiff_t ms, ptrdiff_t wm) {" % r,
-        "    cx_twiddle_%d_<decltype(lanes)>(r, i, wc, ws, ms, wm);" % r,
+        "    cx_twiddle_%d_<decltype(mem)>(r, i, wc, ws, ms, wm);" % r,
         "  });",
         "}",
     ]

@@ -58,12 +58,69 @@ template <class T> inline void str(double* p, T v) { str_(p, v); }
 inline void stage_barrier(double*) {}
 inline void stage_barrier(V* p) { asm volatile("" : : "r"(p) : "memory"); }
 
+// ---- how a vector of one part of complex data is read and written
+
+constexpr VI evens() {
+#if JQ_LANES == 4
+  return VI{0, 2, 4, 6};
+#else
+  return VI{0, 2};
+#endif
+}
+
+// One complex value at a time.
+struct MemScalar {
+  using T = double;
+  static double ld(const double* p) { return *p; }
+  static double ldi(const double* p) { return *p; }
+  static void stc(double* pr, double* pi, double r, double i) {
+    *pr = r;
+    *pi = i;
+  }
+};
+
+// kW consecutive values of split parts.
+struct MemSplit {
+  using T = V;
+  static V ld(const double* p) { return jq::fft::JQ_CODELET_NS::ld<V>(p); }
+  static V ldi(const double* p) { return jq::fft::JQ_CODELET_NS::ld<V>(p); }
+  static void stc(double* pr, double* pi, V r, V i) {
+    st_(pr, r);
+    st_(pi, i);
+  }
+};
+
+// kW consecutive values of interleaved data (imaginary part right after
+// the real one): the parts are pulled apart on loading and merged on
+// storing. The imaginary part is read from one value back, so that no read
+// passes the last value.
+struct MemPair {
+  using T = V;
+  static V ld(const double* p) {
+    return __builtin_shuffle(jq::fft::JQ_CODELET_NS::ld<V>(p), jq::fft::JQ_CODELET_NS::ld<V>(p + kW), evens());
+  }
+  static V ldi(const double* p) {
+    return __builtin_shuffle(jq::fft::JQ_CODELET_NS::ld<V>(p - 1), jq::fft::JQ_CODELET_NS::ld<V>(p - 1 + kW),
+                             evens() + 1);
+  }
+  static void stc(double* pr, double*, V r, V i) {
+#if JQ_LANES == 4
+    st_(pr, __builtin_shuffle(r, i, VI{0, 4, 1, 5}));
+    st_(pr + kW, __builtin_shuffle(r, i, VI{2, 6, 3, 7}));
+#else
+    st_(pr, __builtin_shuffle(r, i, VI{0, 2}));
+    st_(pr + kW, __builtin_shuffle(r, i, VI{1, 3}));
+#endif
+  }
+};
+
 // ---- leaves: `count` DFTs, DFT c reading at in + c*idist, writing at out + c*odist
 
 struct LeafScalar {
   using T = double;
   ptrdiff_t os;
   double ld(const double* p) const { return *p; }
+  double ldi(const double* p) const { return *p; }
   void st1(double* p, double v) const { *p = v; }
   void st4(double* p, double a, double b, double c, double d) const {
     p[0] = a;
@@ -71,22 +128,67 @@ struct LeafScalar {
     p[2 * os] = c;
     p[3 * os] = d;
   }
+  void stc1(double* pr, double* pi, double r, double i) const {
+    *pr = r;
+    *pi = i;
+  }
+  void stc4(double* pr, double* pi, double r0, double r1, double r2, double r3, double i0, double i1, double i2,
+            double i3) const {
+    st4(pr, r0, r1, r2, r3);
+    st4(pi, i0, i1, i2, i3);
+  }
 };
 
-// kW DFTs at once. Their inputs are side by side when idist is 1 (Unit);
-// their outputs are idist apart, so four consecutive outputs of every DFT
-// are transposed into one row each before they are stored.
-template <bool Unit> struct LeafVector {
+// Four vectors, lane i of each being one DFT's output, as rows: row i holds
+// the four outputs of DFT i.
+inline void transpose(V& a, V& b, V& c, V& d) {
+#if JQ_LANES == 4
+  const V ab0 = __builtin_shuffle(a, b, VI{0, 4, 2, 6}), ab1 = __builtin_shuffle(a, b, VI{1, 5, 3, 7});
+  const V cd0 = __builtin_shuffle(c, d, VI{0, 4, 2, 6}), cd1 = __builtin_shuffle(c, d, VI{1, 5, 3, 7});
+  a = __builtin_shuffle(ab0, cd0, VI{0, 1, 4, 5});
+  b = __builtin_shuffle(ab1, cd1, VI{0, 1, 4, 5});
+  c = __builtin_shuffle(ab0, cd0, VI{2, 3, 6, 7});
+  d = __builtin_shuffle(ab1, cd1, VI{2, 3, 6, 7});
+#else
+  // Two lanes: row i is (a_i, b_i) followed by (c_i, d_i).
+  const V a0 = __builtin_shuffle(a, b, VI{0, 2}), a1 = __builtin_shuffle(a, b, VI{1, 3});
+  const V c0 = __builtin_shuffle(c, d, VI{0, 2}), c1 = __builtin_shuffle(c, d, VI{1, 3});
+  a = a0;
+  b = c0;
+  c = a1;
+  d = c1;
+#endif
+}
+
+// Row i of a transposed group (four doubles) of DFT i.
+inline void store_row(double* p, int i, const V& a, const V& b, const V& c, const V& d) {
+#if JQ_LANES == 4
+  st_(p, i == 0 ? a : i == 1 ? b : i == 2 ? c : d);
+#else
+  st_(p, i == 0 ? a : c);
+  st_(p + 2, i == 0 ? b : d);
+#endif
+}
+
+// kW DFTs at once. In: 0 the DFTs' inputs are side by side (idist 1),
+// 1 they are interleaved complex values side by side (idist 2, imaginary
+// part after the real one), 2 anything else. Outputs of one DFT that are
+// adjacent in memory are transposed into rows and stored whole.
+template <int In> struct LeafVector {
   using T = V;
   ptrdiff_t idist, odist, os;
+  bool pair_out;
   V ld(const double* p) const {
-    if constexpr (Unit) {
-      return jq::fft::JQ_CODELET_NS::ld<V>(p);
-    } else {
-      V v;
-      for (int i = 0; i < kW; ++i) v[i] = p[i * idist];
-      return v;
-    }
+    if constexpr (In == 0) return MemSplit::ld(p);
+    if constexpr (In == 1) return MemPair::ld(p);
+    V v;
+    for (int i = 0; i < kW; ++i) v[i] = p[i * idist];
+    return v;
+  }
+  V ldi(const double* p) const {
+    if constexpr (In == 0) return MemSplit::ldi(p);
+    if constexpr (In == 1) return MemPair::ldi(p);
+    return ld(p);
   }
   void st1(double* p, V v) const {
     for (int i = 0; i < kW; ++i) p[i * odist] = v[i];
@@ -99,25 +201,39 @@ template <bool Unit> struct LeafVector {
       st1(p + 3 * os, d);
       return;
     }
+    transpose(a, b, c, d);
+    for (int i = 0; i < kW; ++i) store_row(p + i * odist, i, a, b, c, d);
+  }
+  void stc1(double* pr, double* pi, V r, V i) const {
+    st1(pr, r);
+    st1(pi, i);
+  }
+  void stc4(double* pr, double* pi, V r0, V r1, V r2, V r3, V i0, V i1, V i2, V i3) const {
+    if (!pair_out) {
+      st4(pr, r0, r1, r2, r3);
+      st4(pi, i0, i1, i2, i3);
+      return;
+    }
+    transpose(r0, r1, r2, r3);
+    transpose(i0, i1, i2, i3);
+    for (int i = 0; i < kW; ++i) {
 #if JQ_LANES == 4
-    const V ab0 = __builtin_shuffle(a, b, VI{0, 4, 2, 6}), ab1 = __builtin_shuffle(a, b, VI{1, 5, 3, 7});
-    const V cd0 = __builtin_shuffle(c, d, VI{0, 4, 2, 6}), cd1 = __builtin_shuffle(c, d, VI{1, 5, 3, 7});
-    st_(p, __builtin_shuffle(ab0, cd0, VI{0, 1, 4, 5}));
-    st_(p + odist, __builtin_shuffle(ab1, cd1, VI{0, 1, 4, 5}));
-    st_(p + 2 * odist, __builtin_shuffle(ab0, cd0, VI{2, 3, 6, 7}));
-    st_(p + 3 * odist, __builtin_shuffle(ab1, cd1, VI{2, 3, 6, 7}));
+      const V r = i == 0 ? r0 : i == 1 ? r1 : i == 2 ? r2 : r3;
+      const V m = i == 0 ? i0 : i == 1 ? i1 : i == 2 ? i2 : i3;
+      MemPair::stc(pr + i * odist, nullptr, r, m);
 #else
-    st_(p, __builtin_shuffle(a, b, VI{0, 2}));
-    st_(p + 2, __builtin_shuffle(c, d, VI{0, 2}));
-    st_(p + odist, __builtin_shuffle(a, b, VI{1, 3}));
-    st_(p + odist + 2, __builtin_shuffle(c, d, VI{1, 3}));
+      MemPair::stc(pr + i * odist, nullptr, i == 0 ? r0 : r2, i == 0 ? i0 : i2);
+      MemPair::stc(pr + i * odist + 4, nullptr, i == 0 ? r1 : r3, i == 0 ? i1 : i3);
 #endif
+    }
   }
 };
 
+// paired_in / paired_out: complex data whose imaginary parts sit right
+// after the real ones (strides of 2).
 template <class F>
 inline void leaf_loop(const double* in, double* out, ptrdiff_t is, ptrdiff_t os, ptrdiff_t idist, ptrdiff_t odist,
-                      int count, F body) {
+                      int count, bool paired_in, bool paired_out, F body) {
   // A single DFT (a one-factor length): with unit strides the offsets are
   // constants, and no loop set-up is paid.
   if (count == 1) {
@@ -128,11 +244,15 @@ inline void leaf_loop(const double* in, double* out, ptrdiff_t is, ptrdiff_t os,
     return;
   }
   int c = 0;
+  const bool pair_out = paired_out && os == 2;
   if (idist == 1) {
-    const LeafVector<true> a{idist, odist, os};
+    const LeafVector<0> a{idist, odist, os, false};
     for (; c + kW <= count; c += kW) body(a, in + c, out + c * odist, is, os);
+  } else if (idist == 2 && paired_in) {
+    const LeafVector<1> a{idist, odist, os, pair_out};
+    for (; c + kW <= count; c += kW) body(a, in + c * idist, out + c * odist, is, os);
   } else {
-    const LeafVector<false> a{idist, odist, os};
+    const LeafVector<2> a{idist, odist, os, false};
     for (; c + kW <= count; c += kW) body(a, in + c * idist, out + c * odist, is, os);
   }
   const LeafScalar a{os};
@@ -141,9 +261,10 @@ inline void leaf_loop(const double* in, double* out, ptrdiff_t is, ptrdiff_t os,
 
 // ---- combinations with twiddles, in place, butterfly k at element k*s
 
-// The last butterflies, fewer than kW, run as one vector through a
-// buffer laid out [block][lane]: the buffer's blocks are kW apart and so are
-// the twiddle rows. Lanes past the end compute on zeros and are dropped.
+// Butterflies that do not fill a vector of the main loop, or whose data are
+// not laid out for one, run kW at a time through a buffer laid out
+// [block][lane]: the buffer's blocks are kW apart and so are the twiddle
+// rows. Lanes past the end compute on zeros and are dropped.
 constexpr int kMaxRadix = 43;
 
 // Complex: butterflies k = 0 .. m-1; the twiddle rows hold m entries, the
@@ -154,31 +275,35 @@ inline void cx_twiddle_loop(double* re, double* im, const double* twc, const dou
   const ptrdiff_t ms = m * s;
   int k = 0;
   if (s == 1) {
-    for (; k + kW <= m; k += kW) body(V{}, re + k, im + k, twc + k, tws + k, ms, m);
-    if (k < m && m >= kW) {
-      alignas(32) double b[4 * kMaxRadix * kW];
-      double *br = b, *bi = b + r * kW, *bc = b + 2 * r * kW, *bs = b + 3 * r * kW;
-      const int n = m - k;
-      for (int t = 0; t < r; ++t)
-        for (int i = 0; i < kW; ++i) {
-          const bool in = i < n;
-          br[t * kW + i] = in ? re[t * ms + k + i] : 0.0;
-          bi[t * kW + i] = in ? im[t * ms + k + i] : 0.0;
-          if (t > 0) {
-            bc[(t - 1) * kW + i] = in ? twc[(t - 1) * m + k + i] : 0.0;
-            bs[(t - 1) * kW + i] = in ? tws[(t - 1) * m + k + i] : 0.0;
-          }
-        }
-      body(V{}, br, bi, bc, bs, ptrdiff_t{kW}, ptrdiff_t{kW});
-      for (int t = 0; t < r; ++t)
-        for (int i = 0; i < n; ++i) {
-          re[t * ms + k + i] = br[t * kW + i];
-          im[t * ms + k + i] = bi[t * kW + i];
-        }
-      return;
-    }
+    for (; k + kW <= m; k += kW) body(MemSplit{}, re + k, im + k, twc + k, tws + k, ms, m);
+  } else if (s == 2 && im == re + 1) {
+    for (; k + kW <= m; k += kW) body(MemPair{}, re + 2 * k, im + 2 * k, twc + k, tws + k, ms, m);
   }
-  for (; k < m; ++k) body(0.0, re + k * s, im + k * s, twc + k, tws + k, ms, m);
+  if (m < kW) {
+    for (; k < m; ++k) body(MemScalar{}, re + k * s, im + k * s, twc + k, tws + k, ms, m);
+    return;
+  }
+  alignas(32) double b[4 * kMaxRadix * kW];
+  double *br = b, *bi = b + r * kW, *bc = b + 2 * r * kW, *bs = b + 3 * r * kW;
+  for (; k < m; k += kW) {
+    const int n = m - k < kW ? m - k : kW;
+    for (int t = 0; t < r; ++t)
+      for (int i = 0; i < kW; ++i) {
+        const bool in = i < n;
+        br[t * kW + i] = in ? re[t * ms + (k + i) * s] : 0.0;
+        bi[t * kW + i] = in ? im[t * ms + (k + i) * s] : 0.0;
+        if (t > 0) {
+          bc[(t - 1) * kW + i] = in ? twc[(t - 1) * m + k + i] : 0.0;
+          bs[(t - 1) * kW + i] = in ? tws[(t - 1) * m + k + i] : 0.0;
+        }
+      }
+    body(MemSplit{}, br, bi, bc, bs, ptrdiff_t{kW}, ptrdiff_t{kW});
+    for (int t = 0; t < r; ++t)
+      for (int i = 0; i < n; ++i) {
+        re[t * ms + (k + i) * s] = br[t * kW + i];
+        im[t * ms + (k + i) * s] = bi[t * kW + i];
+      }
+  }
 }
 
 // Half-complex: butterflies on the bin pairs (k, m-k), 0 < k < m/2. The
@@ -188,32 +313,33 @@ inline void hc_twiddle_loop(double* d, const double* twc, const double* tws, ptr
   const ptrdiff_t ms = m * s;
   const int half = (m - 1) / 2;
   int k = 1;
-  if (s == 1) {
+  if (s == 1)
     for (; k + kW - 1 <= half; k += kW) body(V{}, d + k, d + (m - k), twc + k, tws + k, ms, m);
-    if (k <= half && half >= kW) {
-      alignas(32) double b[4 * kMaxRadix * kW];
-      double *bf = b, *bb = b + r * kW, *bc = b + 2 * r * kW, *bs = b + 3 * r * kW;
-      const int n = half - k + 1;
-      for (int t = 0; t < r; ++t)
-        for (int i = 0; i < kW; ++i) {
-          const bool in = i < n;
-          bf[t * kW + i] = in ? d[t * ms + k + i] : 0.0;
-          bb[t * kW + kW - 1 - i] = in ? d[t * ms + m - k - i] : 0.0;
-          if (t > 0) {
-            bc[(t - 1) * kW + i] = in ? twc[(t - 1) * m + k + i] : 0.0;
-            bs[(t - 1) * kW + i] = in ? tws[(t - 1) * m + k + i] : 0.0;
-          }
-        }
-      body(V{}, bf, bb + kW - 1, bc, bs, ptrdiff_t{kW}, ptrdiff_t{kW});
-      for (int t = 0; t < r; ++t)
-        for (int i = 0; i < n; ++i) {
-          d[t * ms + k + i] = bf[t * kW + i];
-          d[t * ms + m - k - i] = bb[t * kW + kW - 1 - i];
-        }
-      return;
-    }
+  if (half < kW) {
+    for (; k <= half; ++k) body(0.0, d + k * s, d + (m - k) * s, twc + k, tws + k, ms, m);
+    return;
   }
-  for (; k <= half; ++k) body(0.0, d + k * s, d + (m - k) * s, twc + k, tws + k, ms, m);
+  alignas(32) double b[4 * kMaxRadix * kW];
+  double *bf = b, *bb = b + r * kW, *bc = b + 2 * r * kW, *bs = b + 3 * r * kW;
+  for (; k <= half; k += kW) {
+    const int n = half - k + 1 < kW ? half - k + 1 : kW;
+    for (int t = 0; t < r; ++t)
+      for (int i = 0; i < kW; ++i) {
+        const bool in = i < n;
+        bf[t * kW + i] = in ? d[t * ms + (k + i) * s] : 0.0;
+        bb[t * kW + kW - 1 - i] = in ? d[t * ms + (m - k - i) * s] : 0.0;
+        if (t > 0) {
+          bc[(t - 1) * kW + i] = in ? twc[(t - 1) * m + k + i] : 0.0;
+          bs[(t - 1) * kW + i] = in ? tws[(t - 1) * m + k + i] : 0.0;
+        }
+      }
+    body(V{}, bf, bb + kW - 1, bc, bs, ptrdiff_t{kW}, ptrdiff_t{kW});
+    for (int t = 0; t < r; ++t)
+      for (int i = 0; i < n; ++i) {
+        d[t * ms + (k + i) * s] = bf[t * kW + i];
+        d[t * ms + (m - k - i) * s] = bb[t * kW + kW - 1 - i];
+      }
+  }
 }
 
 #include "transforms/codelets.inc"

@@ -219,7 +219,7 @@ TEST(FftEngine, ExecutorsRejectAnotherLengthWithTheirOwnCodes) {
 }
 
 TEST(FftEngine, StridedInterleavedDataMatchesSplitData) {
-  for (int32_t n : {12, 46, 53, 64, 97, 1000}) {
+  for (int32_t n : {12, 30, 46, 53, 64, 97, 210, 1000, 1024, 4096}) {
     Table tab(n);
     const auto xr = random_values(n, 5), xi = random_values(n, 6);
     std::vector<double> inter(2 * n), out(2 * n), yr(n), yi(n), h(2 * n);
@@ -286,8 +286,10 @@ TEST(FftEngine, InstructionSetVariantsAgreeBitForBit) {
   struct LeafCase {
     ptrdiff_t is_per_count, os, odist_per_r;
     int count, idist;
+    bool interleaved;  // imaginary parts right after the real ones
   };
-  const LeafCase leaves[] = {{1, 1, 1, 1, 0}, {7, 1, 1, 7, 1}, {6, 2, 2, 6, 3}, {5, 1, 1, 10, 2}};
+  const LeafCase leaves[] = {{1, 1, 1, 1, 0, false}, {7, 1, 1, 7, 1, false}, {6, 2, 2, 6, 3, false},
+                             {5, 1, 1, 10, 2, false}, {9, 2, 2, 9, 2, true}};
   for (int r : kCodeletRadices) {
     const CodeletSet *a = avx2::find(r), *b = baseline::find(r);
     ASSERT_TRUE(a && b);
@@ -295,9 +297,12 @@ TEST(FftEngine, InstructionSetVariantsAgreeBitForBit) {
       const ptrdiff_t is = c.is_per_count * c.idist + (c.idist == 0), odist = c.odist_per_r * r;
       const size_t in_n = static_cast<size_t>(c.count * c.idist + r * is), out_n = c.count * odist + r * c.os;
       const auto xr = random_values(static_cast<int32_t>(in_n), r), xi = random_values(static_cast<int32_t>(in_n), r + 1);
-      std::vector<double> ar(out_n), ai(out_n), br(out_n), bi(out_n);
-      a->complex_leaf(xr.data(), xi.data(), ar.data(), ai.data(), is, c.os, c.idist, odist, c.count);
-      b->complex_leaf(xr.data(), xi.data(), br.data(), bi.data(), is, c.os, c.idist, odist, c.count);
+      std::vector<double> ar(out_n + 1), ai(out_n + 1), br(out_n + 1), bi(out_n + 1);
+      const double* xip = c.interleaved ? xr.data() + 1 : xi.data();
+      double* aip = c.interleaved ? ar.data() + 1 : ai.data();
+      double* bip = c.interleaved ? br.data() + 1 : bi.data();
+      a->complex_leaf(xr.data(), xip, ar.data(), aip, is, c.os, c.idist, odist, c.count);
+      b->complex_leaf(xr.data(), xip, br.data(), bip, is, c.os, c.idist, odist, c.count);
       EXPECT_EQ(ar, br) << "complex leaf " << r << " count " << c.count;
       EXPECT_EQ(ai, bi) << "complex leaf " << r << " count " << c.count;
       a->real_leaf(xr.data(), ar.data(), is, c.os, c.idist, odist, c.count);
@@ -318,6 +323,12 @@ TEST(FftEngine, InstructionSetVariantsAgreeBitForBit) {
         b->real_twiddle(br.data(), wc.data(), ws.data(), s, m);
         EXPECT_EQ(ar, br) << "real twiddle " << r << " m " << m << " s " << s;
       }
+      // Interleaved complex data.
+      const auto wc = random_values((r - 1) * m, 7 * m), ws = random_values((r - 1) * m, 9 * m);
+      auto ap = random_values(2 * r * m, m + 2), bp = ap;
+      a->complex_twiddle(ap.data(), ap.data() + 1, wc.data(), ws.data(), 2, m);
+      b->complex_twiddle(bp.data(), bp.data() + 1, wc.data(), ws.data(), 2, m);
+      EXPECT_EQ(ap, bp) << "interleaved complex twiddle " << r << " m " << m;
     }
   }
 }
