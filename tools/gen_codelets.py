@@ -14,14 +14,17 @@ For every radix the engine factors by, four functions are written:
   cx_twiddle_R  the split-complex combination with twiddles, in place
 
 The twiddle forms read their twiddles with the butterfly index k running
-fastest (entry (k, j) at (k-1) + (j-1)(m-1)), so that the loop over k reads
-them as contiguous vectors.
+fastest (entry (k, j) at k + (j-1)m, k = 0 .. m-1), so that the loop over k
+reads them as contiguous vectors.
 
 Each DFT is expanded symbolically (Cooley-Tukey for composite radices, the
 symmetric pair form for primes), constants are folded, zero terms and
-unused values are dropped and common subexpressions are shared. The loops
-over independent butterflies carry `#pragma GCC ivdep` and are instantiated
-for unit stride so that the compiler vectorises across them.
+unused values are dropped and common subexpressions are shared. Each body is
+written over a lane type, so that codelets_body.hpp runs it on vectors of
+independent butterflies (and singly on what is left); the large radices are
+split into two stages through a local buffer to keep register pressure low.
+The bodies are not inlined into their loops: inlined, the compiler hoists
+their address arithmetic out of the loop and spills it.
 
 The output is generated; never edit it by hand.
 """
@@ -382,7 +385,7 @@ def hc_leaf(r):
     X = dft(g, xs, staged=STAGED(r))
     st = grouped_stores("y", "os", half_complex(X, r))
     lines = [
-        "template <class A> static inline void hc_leaf_%d_(const A& a, const double* __restrict x,"
+        "template <class A> [[gnu::noinline]] static void hc_leaf_%d_(const A& a, const double* __restrict x,"
         " double* __restrict y, ptrdiff_t is, ptrdiff_t os) {" % r,
         "  using T = typename A::T;",
     ]
@@ -428,7 +431,7 @@ def hc_twiddle(r):
         elif 2 * q + 1 == r:
             st2 += [("d[%d * ms + h] = %%s;" % q, [X[q][0]])]
     lines = [
-        "template <class T> static inline void hc_twiddle_%d_(double* __restrict f, double* __restrict b,"
+        "template <class T> [[gnu::noinline]] static void hc_twiddle_%d_(double* __restrict f, double* __restrict b,"
         " const double* __restrict wc, const double* __restrict ws, ptrdiff_t ms, ptrdiff_t wm) {" % r,
     ]
     lines += body(g1, st1, "  ", "T")
@@ -459,7 +462,7 @@ def cx_leaf(r):
     X = dft(g, xs, staged=STAGED(r))
     st = grouped_complex_stores(X)
     lines = [
-        "template <class A> static inline void cx_leaf_%d_(const A& a, const double* __restrict xr,"
+        "template <class A> [[gnu::noinline]] static void cx_leaf_%d_(const A& a, const double* __restrict xr,"
         " const double* __restrict xi, double* __restrict yr, double* __restrict yi, ptrdiff_t is,"
         " ptrdiff_t os) {" % r,
         "  using T = typename A::T;",
@@ -484,7 +487,7 @@ def cx_twiddle(r):
                                            g1.load("M::ldi(im + %d * ms)" % t))))
     st1 = [("M::stc(re + %d * ms, im + %d * ms, %%s, %%s);" % (q, q), [X[q][0], X[q][1]]) for q in range(r)]
     lines = [
-        "template <class M> static inline void cx_twiddle_%d_(double* re, double* im,"
+        "template <class M> [[gnu::noinline]] static void cx_twiddle_%d_(double* re, double* im,"
         " const double* __restrict wc, const double* __restrict ws, ptrdiff_t ms, ptrdiff_t wm) {" % r,
         "  using T = typename M::T;",
     ]

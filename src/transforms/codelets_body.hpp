@@ -172,18 +172,21 @@ inline void store_row(double* p, int i, const V& a, const V& b, const V& c, cons
 
 // kW DFTs at once. In: 0 the DFTs' inputs are side by side (idist 1),
 // 1 they are interleaved complex values side by side (idist 2, imaginary
-// part after the real one), 2 anything else. Outputs of one DFT that are
-// adjacent in memory are transposed into rows and stored whole.
+// part after the real one) and so are the outputs (os 2), 2 anything else.
+// Outputs of one DFT that are adjacent in memory are transposed into rows
+// and stored whole.
 template <int In> struct LeafVector {
   using T = V;
+  static constexpr bool pair_out = In == 1;
   ptrdiff_t idist, odist, os;
-  bool pair_out;
   V ld(const double* p) const {
     if constexpr (In == 0) return MemSplit::ld(p);
     if constexpr (In == 1) return MemPair::ld(p);
-    V v;
-    for (int i = 0; i < kW; ++i) v[i] = p[i * idist];
-    return v;
+#if JQ_LANES == 4
+    return V{p[0], p[idist], p[2 * idist], p[3 * idist]};
+#else
+    return V{p[0], p[idist]};
+#endif
   }
   V ldi(const double* p) const {
     if constexpr (In == 0) return MemSplit::ldi(p);
@@ -209,7 +212,7 @@ template <int In> struct LeafVector {
     st1(pi, i);
   }
   void stc4(double* pr, double* pi, V r0, V r1, V r2, V r3, V i0, V i1, V i2, V i3) const {
-    if (!pair_out) {
+    if constexpr (!pair_out) {
       st4(pr, r0, r1, r2, r3);
       st4(pi, i0, i1, i2, i3);
       return;
@@ -244,15 +247,14 @@ inline void leaf_loop(const double* in, double* out, ptrdiff_t is, ptrdiff_t os,
     return;
   }
   int c = 0;
-  const bool pair_out = paired_out && os == 2;
   if (idist == 1) {
-    const LeafVector<0> a{idist, odist, os, false};
+    const LeafVector<0> a{idist, odist, os};
     for (; c + kW <= count; c += kW) body(a, in + c, out + c * odist, is, os);
-  } else if (idist == 2 && paired_in) {
-    const LeafVector<1> a{idist, odist, os, pair_out};
+  } else if (idist == 2 && paired_in && paired_out && os == 2) {
+    const LeafVector<1> a{idist, odist, os};
     for (; c + kW <= count; c += kW) body(a, in + c * idist, out + c * odist, is, os);
   } else {
-    const LeafVector<2> a{idist, odist, os, false};
+    const LeafVector<2> a{idist, odist, os};
     for (; c + kW <= count; c += kW) body(a, in + c * idist, out + c * odist, is, os);
   }
   const LeafScalar a{os};
