@@ -221,6 +221,9 @@ TEST(TransformSites, KeepShareRebuildAndReleaseTheirTables) {
     ASSERT_NE(t, nullptr);
     EXPECT_EQ(t->length, c.len1);
     EXPECT_EQ(t->references, 1);
+    if (c.idp) {
+      EXPECT_EQ(static_cast<TransformInstance*>(a.value())->second, nullptr) << "one table in 1-D";
+    }
     void* holder = a.value();
     ASSERT_EQ(c.run(c.n1, a.get()), 0);
     EXPECT_EQ(table_of(a.value(), c.idp), t) << "reused, not rebuilt";
@@ -242,6 +245,19 @@ TEST(TransformSites, KeepShareRebuildAndReleaseTheirTables) {
     EXPECT_EQ(holders_of(c.len1), 0);
     EXPECT_EQ(holders_of(c.len2), 0);
   }
+  // A forward and an inverse transform of one length share a site's table.
+  for (auto [f, g] :
+       {std::pair<Fn3, Fn3>{[](JQHandle x, JQHandle y, JQSlot s) { return DCT_1DH(x, y, 0, s); }, InvDCT_1DH},
+        {[](JQHandle x, JQHandle, JQSlot s) { return FastHilbertTransformH(x, s); },
+         [](JQHandle x, JQHandle, JQSlot s) { return InvFHTH(x, s); }}}) {
+    Array<double> x(6), y;
+    jqrt::Slot d;
+    ASSERT_EQ(f(x.h(), y.h(), d.get()), 0);
+    FFTTable* t = jq::fft::held_table(d.value());
+    ASSERT_EQ(g(x.h(), y.h(), d.get()), 0);
+    EXPECT_EQ(jq::fft::held_table(d.value()), t);
+  }
+  jqrt_dispose_context();
   // The public table exports reach the same list.
   Array<double> x(64);
   Array<cd> out;

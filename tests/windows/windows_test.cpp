@@ -277,9 +277,14 @@ TEST(ParameterWindows, ExponentialForceTaperAndDefaults) {
     EXPECT_EQ(v.values(), std::vector<cd>(6, cd(2, 3)));
   }
 
-  // Welch (no scipy twin) in closed form; the older Kaiser export takes its
-  // beta by pointer; a Gaussian sigma of zero or below is 0.2.
-  jqrt::Array<double> w = ones(8);
+  // Welch (no scipy twin) in closed form; the older triangle and Kaiser
+  // exports; a Gaussian sigma of zero or below is 0.2.
+  jqrt::Array<double> t5 = ones(5), t5h = ones(5), w = ones(8);
+  err = 9;
+  ASSERT_EQ(TriangleWin(t5.h(), &err), 0);
+  EXPECT_EQ(err, 0);
+  ASSERT_EQ(TriangleWinH(t5h.h()), 0);
+  EXPECT_EQ(t5.values(), t5h.values());
   ASSERT_EQ(WelchWinH(w.h()), 0);
   for (int i = 0; i < 8; ++i) EXPECT_NEAR(w[i], 1 - std::pow((i - 4) / 4.0, 2), 1e-16);
   jqrt::Array<double> k = ones(6);
