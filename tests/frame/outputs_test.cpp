@@ -1,4 +1,4 @@
-// The resize convention, handle views and reporting shapes.
+// Null output handles, handle views, scalar reporting and scratch buffers.
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -8,62 +8,9 @@
 
 using namespace jq;
 
-namespace {
-
-// A two-output export written the way the library's exports are.
-int32_t two_outputs(Handle a, Handle b, int32_t n, int32_t* error) {
-  Out<double> x(a);
-  Out2<int32_t> y(b);
-  Outputs out(x, y);
-  if (n < 0) return out.report(kNegativeSize, error);
-  if (!out.size(x, n) || !out.size(y, n, 3)) return out.report(kNoMemory, error);
-  for (int32_t i = 0; i < n; ++i) x.data()[i] = i;
-  for (int32_t i = 0; i < 3 * n; ++i) y.data()[i] = -i;
-  return out.report(kOk, error);
-}
-
-}  // namespace
-
-TEST(Outputs, SizesAndWritesEveryOutput) {
-  jqrt::Array<double> a;
-  jqrt::Array2<int32_t> b;
-  int32_t err = 99;
-  EXPECT_EQ(two_outputs(a.h(), b.h(), 4, &err), 0);
-  EXPECT_EQ(err, 0);
-  EXPECT_EQ(a.values(), (std::vector<double>{0, 1, 2, 3}));
-  EXPECT_EQ(b.rows(), 4);
-  EXPECT_EQ(b.cols(), 3);
-  EXPECT_EQ(b[11], -11);
-}
-
-TEST(Outputs, AnyFailedResizeEmptiesAllOutputs) {
-  for (int nth = 1; nth <= 2; ++nth) {
-    jqrt::Array<double> a(5);
-    jqrt::Array2<int32_t> b(2, 2);
-    int32_t err = 0;
-    int32_t rc;
-    {
-      jqrt::FailResize fail(nth);
-      rc = two_outputs(a.h(), b.h(), 4, &err);
-    }
-    EXPECT_EQ(rc, 2) << "the host's own status is the result";
-    EXPECT_EQ(err, kNoMemory);
-    EXPECT_EQ(a.size(), 0);
-    EXPECT_EQ(b.rows(), 0);
-    EXPECT_EQ(b.cols(), 0);
-  }
-}
-
-TEST(Outputs, InputErrorsEmptyOutputsAndKeepResultZero) {
-  jqrt::Array<double> a(3);
-  jqrt::Array2<int32_t> b(1, 1);
-  int32_t err = 0;
-  EXPECT_EQ(two_outputs(a.h(), b.h(), -1, &err), 0);
-  EXPECT_EQ(err, kNegativeSize);
-  EXPECT_EQ(a.size(), 0);
-  EXPECT_EQ(b.rows(), 0);
-}
-
+// The emptying of every output on failure, and the result rules of both
+// reporting shapes, are checked through the exports (see the export tests and
+// tests/hosts/independent_host.c).
 TEST(Outputs, NullHandleGetsANewBlockThroughTheExportsCopy) {
   const int64_t before = jqrt_live_blocks();
   {

@@ -5,7 +5,7 @@
 #include <limits>
 
 #include "jqanlys.h"
-#include "support/oracle.hpp"
+#include "support/checks.hpp"
 
 namespace {
 
@@ -25,10 +25,7 @@ TEST(Factorial, TableThenFallingProductThenGamma) {
   EXPECT_EQ(call(JQ_Fact, 20), 2432902008176640000.0);
   EXPECT_EQ(call(JQ_Fact, 33), 8.683317618811886e36);
   EXPECT_EQ(call(JQ_Fact, 34), 34 * 8.683317618811886e36);
-  // 50! multiplies 33! by 50, 49, ..., 34 in that order.
-  double r = 8.683317618811886e36;
-  for (int k = 50; k >= 34; --k) r *= k;
-  EXPECT_EQ(call(JQ_Fact, 50), r);
+  EXPECT_EQ(call(JQ_Fact, 50), 3.041409320171338e64);  // 33! times 50, 49, ..., 34 in that order
   EXPECT_NEAR(call(JQ_Fact, 51) / 1.5511187532873822e66, 1.0, 4e-16);
   EXPECT_NEAR(call(JQ_Fact, 170) / 7.257415615307999e306, 1.0, 4e-16);
   EXPECT_EQ(call(JQ_Fact, 171), kInf);
