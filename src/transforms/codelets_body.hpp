@@ -237,13 +237,9 @@ template <int In> struct LeafVector {
 template <class F>
 inline void leaf_loop(const double* in, double* out, ptrdiff_t is, ptrdiff_t os, ptrdiff_t idist, ptrdiff_t odist,
                       int count, bool paired_in, bool paired_out, F body) {
-  // A single DFT (a one-factor length): with unit strides the offsets are
-  // constants, and no loop set-up is paid.
+  // A single DFT (a one-factor length) pays no loop set-up.
   if (count == 1) {
-    if (is == 1 && os == 1)
-      body(LeafScalar{1}, in, out, 1, 1);
-    else
-      body(LeafScalar{os}, in, out, is, os);
+    body(LeafScalar{os}, in, out, is, os);
     return;
   }
   int c = 0;
@@ -268,6 +264,18 @@ inline void leaf_loop(const double* in, double* out, ptrdiff_t is, ptrdiff_t os,
 // [block][lane]: the buffer's blocks are kW apart and so are the twiddle
 // rows. Lanes past the end compute on zeros and are dropped.
 constexpr int kMaxRadix = 43;
+
+// Twiddle rows 1 .. r-1 of butterflies k .. k+n-1 into a buffer's rows,
+// zeros in the lanes past n.
+inline void gather_twiddle_rows(double* bc, double* bs, const double* twc, const double* tws, int r, int m, int k,
+                                int n) {
+  for (int t = 0; t < r - 1; ++t)
+    for (int i = 0; i < kW; ++i) {
+      const bool in = i < n;
+      bc[t * kW + i] = in ? twc[t * m + k + i] : 0.0;
+      bs[t * kW + i] = in ? tws[t * m + k + i] : 0.0;
+    }
+}
 
 // Complex: butterflies k = 0 .. m-1; the twiddle rows hold m entries, the
 // first being 1.
@@ -294,11 +302,8 @@ inline void cx_twiddle_loop(double* re, double* im, const double* twc, const dou
         const bool in = i < n;
         br[t * kW + i] = in ? re[t * ms + (k + i) * s] : 0.0;
         bi[t * kW + i] = in ? im[t * ms + (k + i) * s] : 0.0;
-        if (t > 0) {
-          bc[(t - 1) * kW + i] = in ? twc[(t - 1) * m + k + i] : 0.0;
-          bs[(t - 1) * kW + i] = in ? tws[(t - 1) * m + k + i] : 0.0;
-        }
       }
+    gather_twiddle_rows(bc, bs, twc, tws, r, m, k, n);
     body(MemSplit{}, br, bi, bc, bs, ptrdiff_t{kW}, ptrdiff_t{kW});
     for (int t = 0; t < r; ++t)
       for (int i = 0; i < n; ++i) {
@@ -330,11 +335,8 @@ inline void hc_twiddle_loop(double* d, const double* twc, const double* tws, ptr
         const bool in = i < n;
         bf[t * kW + i] = in ? d[t * ms + (k + i) * s] : 0.0;
         bb[t * kW + kW - 1 - i] = in ? d[t * ms + (m - k - i) * s] : 0.0;
-        if (t > 0) {
-          bc[(t - 1) * kW + i] = in ? twc[(t - 1) * m + k + i] : 0.0;
-          bs[(t - 1) * kW + i] = in ? tws[(t - 1) * m + k + i] : 0.0;
-        }
       }
+    gather_twiddle_rows(bc, bs, twc, tws, r, m, k, n);
     body(V{}, bf, bb + kW - 1, bc, bs, ptrdiff_t{kW}, ptrdiff_t{kW});
     for (int t = 0; t < r; ++t)
       for (int i = 0; i < n; ++i) {
