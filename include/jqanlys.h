@@ -25,6 +25,28 @@ extern "C" {
 
 /* Pointer to the host's master pointer, which points at the array block. */
 typedef uint8_t** JQHandle;
+
+/* The same handle, named by the element type and rank an export expects.
+ * Programs (and the tools that bind or exercise every export from this
+ * header) read the parameter's type to know what block to pass. */
+typedef JQHandle JQArrF64;  /* 1-D float64, type code 10 */
+typedef JQHandle JQArrC128; /* 1-D complex float64, type code 13 */
+typedef JQHandle JQArrF32;  /* 1-D float32, type code 9 */
+typedef JQHandle JQArrC64;  /* 1-D complex float32, type code 12 */
+typedef JQHandle JQArrI32;  /* 1-D int32, type code 3 */
+typedef JQHandle JQArrU32;  /* 1-D uint32, type code 7 */
+typedef JQHandle JQArrU8;   /* 1-D uint8, type code 5 */
+typedef JQHandle JQMatF64;  /* 2-D float64 (rows, then columns, row-major) */
+typedef JQHandle JQMatC128; /* 2-D complex float64 */
+typedef JQHandle JQMatI32;  /* 2-D int32 */
+
+/* Direction marks, empty to the compiler, on every pointer or handle
+ * parameter: JQ_IN is only read, JQ_OUT is written (an output array is
+ * resized by the library), JQ_INOUT is read and written. A parameter that
+ * points at several elements says how many: `JQ_INOUT double coef[5]`. */
+#define JQ_IN
+#define JQ_OUT
+#define JQ_INOUT
 /* The host's per-call-site instance slot; null before first use. */
 typedef void** JQSlot;
 /* The host's error cluster: status flag, then the code at byte 4. */
