@@ -1,10 +1,54 @@
 #include "stats/descriptive.hpp"
 
+#include <algorithm>
 #include <cmath>
+#include <limits>
 
 #include "frame/errors.hpp"
 
 namespace jq::stats {
+namespace {
+
+constexpr double kEps = 2.220446049250313e-16;
+
+// The run rule of the modes: b equals a, the first value of its run, when
+// |a - b| <= |a| eps. Exact equality is tested first so that a run of
+// infinities is a run too.
+bool same(double a, double b) { return a == b || std::fabs(a - b) <= std::fabs(a) * kEps; }
+
+// One scan for the extremes. The maximum moves only for elements that did not
+// lower the minimum; NaNs compare false and are passed over.
+void extremes(const double* x, int32_t n, double* lo, double* hi) {
+  double l = x[0], h = x[0];
+  for (int32_t i = 1; i < n; ++i) {
+    if (x[i] < l) l = x[i];
+    else if (x[i] > h) h = x[i];
+  }
+  *lo = l;
+  *hi = h;
+}
+
+// d^k by k - 1 multiplications, rounded at each step. The magnitudes of the
+// partial powers depend only on |d|, so once one repeats (a fixed point near
+// |d| = 1) or reaches 0 or infinity, the rest of the chain only flips the sign,
+// and the loop stops early with the sign the remaining steps would give.
+double repeated_power(double d, int32_t k) {
+  if (std::isnan(d)) return d;
+  double p = d;
+  for (int64_t left = int64_t{k} - 1; left > 0;) {
+    const double q = p * d;
+    --left;
+    if (std::fabs(q) == std::fabs(p) || q == 0 || std::isinf(q)) return (d < 0 && (left & 1)) ? -q : q;
+    p = q;
+  }
+  return p;
+}
+
+// NaNs after every number, so that sorting data holding them stays a strict
+// weak order.
+bool before(double a, double b) { return a < b || (!std::isnan(a) && std::isnan(b)); }
+
+}  // namespace
 
 int32_t mean(const double* x, int32_t n, double* result) {
   if (n < 1) return kEmptyInput;
@@ -22,29 +66,121 @@ int32_t rms(const double* x, int32_t n, double* result) {
   return kOk;
 }
 
+int32_t cx_rms(const std::complex<double>* x, int32_t n, double* result) {
+  if (n < 1) return kEmptyInput;
+  const double* v = reinterpret_cast<const double*>(x);
+  double s = 0.0;
+  for (int64_t i = 0; i < 2 * int64_t{n}; i += 2) s += v[i] * v[i] + v[i + 1] * v[i + 1];
+  *result = std::sqrt(s / n);
+  return kOk;
+}
+
+int32_t mse(const double* x, int32_t nx, const double* y, int32_t ny, double* result) {
+  if (nx < 1 || ny < 1) return kEmptyInput;
+  const int32_t m = std::min(nx, ny);
+  double s = 0.0;
+  for (int32_t i = 0; i < m; ++i) s += (x[i] - 2 * y[i]) * x[i] + y[i] * y[i];
+  *result = s / m;
+  return nx == ny ? kOk : kWarnLengthMismatch;
+}
+
+int32_t moment(const double* x, int32_t n, int32_t k, double* result) {
+  if (n < 1) return kEmptyInput;
+  if (k < 1) return kBadOrder;
+  double m;
+  mean(x, n, &m);
+  double s = 0.0;
+  for (int32_t i = 0; i < n; ++i) s += repeated_power(x[i] - m, k);
+  *result = s / n;
+  return kOk;
+}
+
+int32_t median(const double* x, int32_t n, double* result) {
+  if (n < 1) return kEmptyInput;
+  for (int32_t i = 0; i < n; ++i)
+    if (!std::isfinite(x[i])) return kNonFiniteData;
+  Scratch<double> c;
+  if (c.allocate(n) != kOk) return kNoMemory;
+  std::copy(x, x + n, c.data());
+  double* mid = c.data() + n / 2;
+  std::nth_element(c.data(), mid, c.data() + n);
+  *result = (n & 1) ? *mid : (*std::max_element(c.data(), mid) + *mid) * 0.5;
+  return kOk;
+}
+
+int32_t modes(const double* x, int32_t n, int32_t intervals, Scratch<double>& out, int32_t* count) {
+  *count = 0;
+  if (n < 1) return kEmptyInput;
+  if (intervals >= 1) {
+    double lo, hi;
+    extremes(x, n, &lo, &hi);
+    if (same(lo, hi)) {
+      if (out.allocate(1) != kOk) return kNoMemory;
+      out[0] = lo;
+      *count = 1;
+      return kOk;
+    }
+    Scratch<int32_t> counts;
+    if (counts.allocate(intervals) != kOk || out.allocate(intervals) != kOk) return kNoMemory;
+    const int32_t code = histogram(x, n, intervals, counts.data(), out.data());
+    if (code != kOk) return code;
+    // Every bin holding the largest count is modal; its centre stands for it.
+    const int32_t best = *std::max_element(counts.data(), counts.data() + intervals);
+    if (best == 0) return kOk;
+    for (int32_t i = 0; i < intervals; ++i)
+      if (counts[i] == best) out[(*count)++] = out[i];
+    return kOk;
+  }
+  if (n == 1) return kOk;  // a single value is deliberately no mode
+  if (out.allocate(n) != kOk) return kNoMemory;
+  double* v = out.data();
+  std::copy(x, x + n, v);
+  std::sort(v, v + n, before);
+  if (same(v[0], v[n - 1])) {
+    *count = 1;
+    return kOk;
+  }
+  // Modes are written over the sorted data behind the scan: the list never
+  // grows faster than the runs are consumed.
+  int32_t best = 1;
+  for (int32_t i = 0; i < n;) {
+    int32_t j = i + 1;
+    while (j < n && same(v[i], v[j])) ++j;
+    const int32_t run = j - i;
+    if (run > best) {
+      best = run;
+      v[0] = v[i];
+      *count = 1;
+    } else if (run == best && best > 1) {
+      v[(*count)++] = v[i];
+    }
+    i = j;
+  }
+  return kOk;
+}
+
 int32_t histogram(const double* x, int32_t n, int32_t k, int32_t* counts, double* centres) {
   if (n < 1 || k < 1) return kEmptyInput;
-  // The maximum moves only for elements that did not lower the minimum, so a
-  // NaN-free pass finds both in one scan.
-  double lo = x[0], hi = x[0];
-  for (int32_t i = 1; i < n; ++i) {
-    if (x[i] < lo) lo = x[i];
-    else if (x[i] > hi) hi = x[i];
-  }
+  double lo, hi;
+  extremes(x, n, &lo, &hi);
   if (lo > hi) return kHistogramRange;
-  for (int32_t i = 0; i < k; ++i) counts[i] = 0;
+  std::fill(counts, counts + k, 0);
   if (lo == hi) {
-    for (int32_t i = 0; i < k; ++i) centres[i] = lo;
+    std::fill(centres, centres + k, lo);
     counts[k - 1] = n;
     return kOk;
   }
-  const double w = (hi - lo) / k;
+  const double range = hi - lo, kd = k;
+  const double w = range / k;
   double c = lo + w / 2;
   for (int32_t i = 0; i < k; ++i, c += w) centres[i] = c;
-  const double scale = k / (hi - lo);
+  // The bin is floor((x - lo) k / range), in that order. Where (x - lo) k
+  // could overflow, the same ratio is formed the other way round.
+  const bool wide = std::isinf(range * kd);
   for (int32_t i = 0; i < n; ++i) {
-    const double pos = std::floor((x[i] - lo) * scale);
-    if (pos >= 0 && pos < k) {
+    const double pos = wide ? (x[i] - lo) / range * kd : (x[i] - lo) * kd / range;
+    // pos >= 0 here, where truncation is floor.
+    if (pos >= 0 && pos < kd) {
       ++counts[static_cast<int32_t>(pos)];
     } else if (x[i] == hi) {
       ++counts[k - 1];

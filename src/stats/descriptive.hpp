@@ -1,14 +1,31 @@
 // Descriptive statistics over plain arrays. Population statistics: sums are
-// divided by n, never by n - 1.
+// divided by n, never by n - 1. Every sum runs left to right, so results are
+// reproducible to the last bit.
 #pragma once
+#include <complex>
 #include <cstdint>
+
+#include "frame/scratch.hpp"
 
 namespace jq::stats {
 
-// Arithmetic mean, summed left to right. n >= 1, else kEmptyInput.
+// Arithmetic mean. n >= 1, else kEmptyInput.
 int32_t mean(const double* x, int32_t n, double* result);
 // Root mean square. n >= 1, else kEmptyInput.
 int32_t rms(const double* x, int32_t n, double* result);
+// Root mean square of complex samples: sqrt(sum(re^2 + im^2) / n).
+int32_t cx_rms(const std::complex<double>* x, int32_t n, double* result);
+// Mean squared error over the first min(nx, ny) pairs; kWarnLengthMismatch
+// (with a valid result) when the lengths differ.
+int32_t mse(const double* x, int32_t nx, const double* y, int32_t ny, double* result);
+// Central moment of order k >= 1 (kBadOrder otherwise).
+int32_t moment(const double* x, int32_t n, int32_t k, double* result);
+// Median by selection on a scratch copy; kNonFiniteData for an infinity or NaN.
+int32_t median(const double* x, int32_t n, double* result);
+// Modes in ascending order into `modes` (allocated here), their number into
+// *count. intervals < 1: exact modes; otherwise the centres of the fullest
+// bins of an equal-width histogram of that many intervals.
+int32_t modes(const double* x, int32_t n, int32_t intervals, Scratch<double>& modes, int32_t* count);
 // Equal-width histogram of k intervals between the data's extremes.
 int32_t histogram(const double* x, int32_t n, int32_t k, int32_t* counts, double* centres);
 
