@@ -13,8 +13,11 @@ constexpr double kEps = 2.220446049250313e-16;
 
 // The run rule of the modes: b equals a, the first value of its run, when
 // |a - b| <= |a| eps. Exact equality is tested first so that a run of
-// infinities is a run too.
-bool same(double a, double b) { return a == b || std::fabs(a - b) <= std::fabs(a) * kEps; }
+// infinities is a run too, and opposite infinities are never equal.
+bool same(double a, double b) {
+  const double d = std::fabs(a - b);
+  return a == b || (std::isfinite(d) && d <= std::fabs(a) * kEps);
+}
 
 // One scan for the extremes. The maximum moves only for elements that did not
 // lower the minimum; NaNs compare false and are passed over.
@@ -43,6 +46,22 @@ double repeated_power(double d, int32_t k) {
   }
   return p;
 }
+
+// The bin of x among k equal intervals of [lo, hi], lo < hi: floor((x - lo) k
+// / (hi - lo)), formed in that order; an index outside 0..k-1 is dropped (-1)
+// unless x is the maximum itself, which belongs to the last bin. Where
+// (x - lo) k could overflow, the same ratio is formed the other way round.
+struct Bins {
+  Bins(double l, double h, int32_t n) : lo(l), hi(h), range(h - l), kd(n), k(n), wide(std::isinf(range * kd)) {}
+  int32_t operator()(double x) const {
+    const double pos = wide ? (x - lo) / range * kd : (x - lo) * kd / range;
+    if (pos >= 0 && pos < kd) return static_cast<int32_t>(pos);  // truncation is floor here
+    return x == hi ? k - 1 : -1;
+  }
+  double lo, hi, range, kd;
+  int32_t k;
+  bool wide;
+};
 
 // NaNs after every number, so that sorting data holding them stays a strict
 // weak order.
@@ -120,15 +139,27 @@ int32_t modes(const double* x, int32_t n, int32_t intervals, Scratch<double>& ou
       *count = 1;
       return kOk;
     }
-    Scratch<int32_t> counts;
-    if (counts.allocate(intervals) != kOk || out.allocate(intervals) != kOk) return kNoMemory;
-    const int32_t code = histogram(x, n, intervals, counts.data(), out.data());
-    if (code != kOk) return code;
-    // Every bin holding the largest count is modal; its centre stands for it.
-    const int32_t best = *std::max_element(counts.data(), counts.data() + intervals);
-    if (best == 0) return kOk;
-    for (int32_t i = 0; i < intervals; ++i)
-      if (counts[i] == best) out[(*count)++] = out[i];
+    // The bins are counted by sorting the bin of every value, so the work and
+    // memory follow the data, not the number of intervals.
+    Scratch<int32_t> idx;
+    if (idx.allocate(n) != kOk) return kNoMemory;
+    const Bins bin(lo, hi, intervals);
+    for (int32_t i = 0; i < n; ++i) idx[i] = bin(x[i]);
+    std::sort(idx.data(), idx.data() + n);
+    int32_t best = 0, runs = 0;
+    for (int32_t i = 0, j; i < n; i = j) {
+      for (j = i + 1; j < n && idx[j] == idx[i]; ++j) {
+      }
+      if (idx[i] < 0) continue;
+      if (j - i > best) best = j - i, runs = 0;
+      if (j - i == best) idx[runs++] = idx[i];  // behind the scan, like the exact modes
+    }
+    if (runs == 0) return kOk;
+    if (out.allocate(runs) != kOk) return kNoMemory;
+    // Every fullest bin is a mode, reported by its centre.
+    const double w = (hi - lo) / intervals;
+    for (int32_t i = 0; i < runs; ++i) out[i] = lo + w / 2 + idx[i] * w;
+    *count = runs;
     return kOk;
   }
   if (n == 1) return kOk;  // a single value is deliberately no mode
@@ -170,21 +201,13 @@ int32_t histogram(const double* x, int32_t n, int32_t k, int32_t* counts, double
     counts[k - 1] = n;
     return kOk;
   }
-  const double range = hi - lo, kd = k;
-  const double w = range / k;
+  const double w = (hi - lo) / k;
   double c = lo + w / 2;
   for (int32_t i = 0; i < k; ++i, c += w) centres[i] = c;
-  // The bin is floor((x - lo) k / range), in that order. Where (x - lo) k
-  // could overflow, the same ratio is formed the other way round.
-  const bool wide = std::isinf(range * kd);
+  const Bins bin(lo, hi, k);
   for (int32_t i = 0; i < n; ++i) {
-    const double pos = wide ? (x[i] - lo) / range * kd : (x[i] - lo) * kd / range;
-    // pos >= 0 here, where truncation is floor.
-    if (pos >= 0 && pos < kd) {
-      ++counts[static_cast<int32_t>(pos)];
-    } else if (x[i] == hi) {
-      ++counts[k - 1];
-    }
+    const int32_t b = bin(x[i]);
+    if (b >= 0) ++counts[b];
   }
   return kOk;
 }

@@ -16,29 +16,31 @@ bool is_probability(double p) { return p >= 0 && p <= 1; }  // false for NaN
 
 // The t and F distributions without argument checks, for the bisections.
 //
-// Both are I(x; a, b) at x = nu / (nu + t^2) (or its F counterpart), whose
-// complement is I(y; b, a) at y = 1 - x. Whichever of x and y is the smaller
-// is formed directly, so that neither tail loses digits to 1 - x.
+// Both are I(x; a, b) at x = nu / (nu + t^2) (or its F counterpart). Its
+// complement y = 1 - x is formed directly beside it, so that neither tail
+// loses digits to 1 - x, and both in extended precision, where t^2 cannot
+// overflow either.
 double t_prob(double t, int32_t nu) {
   if (t == 0) return 0.5;
-  const double v = nu, t2 = t * t;
-  double q;  // P(T <= -|t|)
-  if (t2 < v) {
-    q = 0.5 - 0.5 * special::beta_inc(0.5, 0.5 * v, t2 / (v + t2));
+  const long double v = nu, t2 = static_cast<long double>(t) * t;
+  long double x, y;
+  if (std::isinf(t2)) {
+    x = 0;
+    y = 1;
   } else {
-    // Past 1e154 t^2 overflows, and nu / t^2 is formed as (nu / |t|) / |t|.
-    const double x = std::isinf(t2) ? v / std::fabs(t) / std::fabs(t) : v / (v + t2);
-    q = 0.5 * special::beta_inc(0.5 * v, 0.5, x);
+    x = v / (v + t2);
+    y = t2 / (v + t2);
   }
+  const double q = 0.5 * special::beta_inc(0.5 * nu, 0.5, x, y);  // P(T <= -|t|)
   return t < 0 ? q : 1 - q;
 }
 
+// 1 - I(x; nu2/2, nu1/2) = I(y; nu1/2, nu2/2) with y = nu1 f / (nu1 f + nu2).
 double f_prob(double f, int32_t nu1, int32_t nu2) {
   if (f <= 0) return 0;
-  const double a = nu1, b = nu2, w = a * f;
-  if (std::isinf(w)) return 1;
-  if (w <= b) return special::beta_inc(0.5 * a, 0.5 * b, w / (w + b));
-  return 1 - special::beta_inc(0.5 * b, 0.5 * a, b / (w + b));
+  if (std::isinf(f)) return 1;
+  const long double a = nu1, b = nu2, w = a * f;  // finite: long double reaches 1e4932
+  return special::beta_inc(0.5 * nu1, 0.5 * nu2, w / (w + b), b / (w + b));
 }
 
 double chi_square_prob(double x, int32_t nu) { return x <= 0 ? 0 : special::gamma_p(0.5 * nu, 0.5 * x); }
