@@ -114,16 +114,59 @@ int32_t moment(const double* x, int32_t n, int32_t k, double* result) {
   return kOk;
 }
 
+// Median by sampling: two pivots taken from a sorted sample bracket the
+// middle rank closely, so one pass over the data counts what lies below them
+// and copies out only the few values between them, and the selection then
+// runs on those. When the bracket misses the middle (a sample unlike the
+// data, or heavy ties), the selection runs on a full copy instead.
 int32_t median(const double* x, int32_t n, double* result) {
   if (n < 1) return kEmptyInput;
-  for (int32_t i = 0; i < n; ++i)
-    if (!std::isfinite(x[i])) return kNonFiniteData;
   Scratch<double> c;
   if (c.allocate(n) != kOk) return kNoMemory;
-  std::copy(x, x + n, c.data());
-  double* mid = c.data() + n / 2;
-  std::nth_element(c.data(), mid, c.data() + n);
-  *result = (n & 1) ? *mid : (*std::max_element(c.data(), mid) + *mid) * 0.5;
+  double* v = c.data();
+  const int64_t r2 = n / 2, r1 = (n & 1) ? r2 : r2 - 1;  // the ranks wanted
+  constexpr int32_t kSample = 4096;
+  if (n >= 16 * kSample) {
+    double sample[kSample];
+    for (int32_t i = 0; i < kSample; ++i) sample[i] = x[int64_t{n} * i / kSample + (i & 7)];
+    std::sort(sample, sample + kSample, before);
+    // +-3 standard deviations of the sample rank of the middle.
+    const int32_t mid = kSample / 2, margin = 3 * 32 + 8;
+    const double lo = sample[mid - margin], hi = sample[mid + margin];
+    int64_t below = 0, between = 0;
+    double below_max = -std::numeric_limits<double>::infinity();
+    bool finite = true;
+    // Branch-free: on data in random order each test is a coin toss. Every
+    // value is stored at the end of the kept ones and kept only if between.
+    constexpr double kNegInf = -std::numeric_limits<double>::infinity();
+    for (int32_t i = 0; i < n; ++i) {
+      const double e = x[i];
+      finite &= std::isfinite(e);
+      const bool low = e < lo;
+      below += low;
+      below_max = std::max(below_max, low ? e : kNegInf);
+      v[between] = e;
+      between += !low & (e <= hi);
+    }
+    if (!finite) return kNonFiniteData;
+    // The rank below the middle of an even count is either kept too or the
+    // largest value below the bracket.
+    if (r2 >= below && r2 < below + between) {
+      double* m2 = v + (r2 - below);
+      std::nth_element(v, m2, v + between);
+      const double b = *m2;
+      const double a = r1 == r2 ? b : (r1 < below ? below_max : *std::max_element(v, m2));
+      *result = r1 == r2 ? b : (a + b) * 0.5;
+      return kOk;
+    }
+  } else {
+    for (int32_t i = 0; i < n; ++i)
+      if (!std::isfinite(x[i])) return kNonFiniteData;
+  }
+  std::copy(x, x + n, v);
+  double* mid = v + r2;
+  std::nth_element(v, mid, v + n);
+  *result = (n & 1) ? *mid : (*std::max_element(v, mid) + *mid) * 0.5;
   return kOk;
 }
 
