@@ -65,16 +65,6 @@ double normal_cdf(double x) {
   return x >= 0 ? 1 - q : q;
 }
 
-int32_t normal_inverse(double p, double* x) {
-  if (!is_probability(p)) return kNotInUnitInterval;
-  if (p == 0) return *x = -kInf, kOk;
-  if (p == 1) return *x = kInf, kOk;
-  const double s = std::sqrt(-2 * std::log(p >= 0.5 ? 1 - p : p));
-  const double r = (2.515517 + 0.802853 * s + 0.010328 * s * s) / (1 + 1.432788 * s + 0.189269 * s * s + 0.001308 * s * s * s);
-  *x = p >= 0.5 ? s - r : r - s;
-  return kOk;
-}
-
 int32_t t_cdf(double t, int32_t nu, double* result) {
   if (nu < 1) return kDegreesOfFreedom;
   if (std::isnan(t)) return kNonFiniteData;

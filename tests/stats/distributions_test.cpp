@@ -91,6 +91,14 @@ TEST(Distributions, DocumentedValues) {
   EXPECT_LT(t, 0);
   EXPECT_GT(t, -1e-4);
   EXPECT_EQ(call([&](double* r, int32_t* e) { return ChiSquare_head(&one, &nu0, r, e); }), std::pair(1.0, 0));
+  // The inverse normal: p >= 0.5 takes s - r, slightly negative at 0.5 itself,
+  // and the two sides mirror each other exactly.
+  const double quarter = 0.25, three_quarters = 0.75;
+  const double z = call([&](double* r, int32_t* e) { return InvNdist_head(&half, r, e); }).first;
+  EXPECT_LT(z, 0);
+  EXPECT_GT(z, -1e-3);
+  EXPECT_EQ(call([&](double* r, int32_t* e) { return InvNdist_head(&quarter, r, e); }).first,
+            -call([&](double* r, int32_t* e) { return InvNdist_head(&three_quarters, r, e); }).first);
   EXPECT_EQ(call([&](double* r, int32_t* e) { return TDist_head(&zero, &nu3, r, e); }), std::pair(0.5, 0));
   EXPECT_EQ(call([&](double* r, int32_t* e) { return InvNdist_head(&zero, r, e); }), std::pair(-kInf, 0));
   EXPECT_EQ(call([&](double* r, int32_t* e) { return InvFDist_head(&one, &nu3, &nu3, r, e); }), std::pair(kInf, 0));
