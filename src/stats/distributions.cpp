@@ -108,10 +108,19 @@ int32_t chi_square_inverse(double p, int32_t nu, double* result) {
   if (nu < 1) return kDegreesOfFreedom;
   if (p == 0) return *result = 0, kOk;
   if (p == 1) return *result = kInf, kOk;
-  // The CDF reaches 1 in double precision a few standard deviations past nu,
-  // so for p < 1 the bound stops growing by about nu + 5000 at the latest.
-  double hi = 5000;
-  while (chi_square_prob(hi, nu) < p) hi += 5000;
+  // The upper end is the first multiple of 5000 where the CDF reaches p. The
+  // CDF grows with x, so that multiple is found by doubling and halving the
+  // count of steps rather than by one step at a time, which for large nu
+  // would take nu / 5000 evaluations. It is near nu + a few sqrt(nu), where
+  // the CDF is 1 in double precision, so the doubling ends.
+  const auto reaches = [&](int64_t k) { return chi_square_prob(5000.0 * k, nu) >= p; };
+  int64_t below = 0, at = 1;  // the CDF is below p at 5000 below (0 stands for the start) and reaches it at 5000 at
+  while (!reaches(at)) below = at, at *= 2;
+  while (at - below > 1) {
+    const int64_t m = below + (at - below) / 2;
+    (reaches(m) ? at : below) = m;
+  }
+  const double hi = 5000.0 * at;
   *result = bisect(p, 0, hi, [nu](double m) { return chi_square_prob(m, nu); });
   return kOk;
 }
