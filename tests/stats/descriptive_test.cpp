@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cmath>
 #include <complex>
+#include <functional>
 #include <tuple>
 #include <vector>
 
@@ -161,36 +162,44 @@ TEST(Descriptive, HistogramEdges) {
 }
 
 TEST(Descriptive, FailuresGiveNaNAndTheirCodes) {
-  using Scalar = int32_t (*)(JQHandle, double*, int32_t*);
-  for (Scalar f : {Scalar{Mean_head}, Scalar{RMS_head}, Scalar{Median_head}})
-    for (int32_t count : {0, -4}) {
-      jqrt::Array<double> e(1);
-      e.set_dims(count);
-      double r = 0;
-      int32_t err;
-      EXPECT_EQ(f(e.h(), &r, &err), 0);
-      EXPECT_EQ(err, -20003);
-      EXPECT_TRUE(std::isnan(r));
-    }
   int32_t err;
-  EXPECT_TRUE(std::isnan(moment({}, 2, &err)));
-  EXPECT_EQ(err, -20003);
-  EXPECT_TRUE(std::isnan(moment({1, 2}, 0, &err)));
-  EXPECT_EQ(err, -20021);
-  for (const V& bad : {V{1, nan(), 3}, V{INFINITY, 2}})
-    EXPECT_TRUE(std::isnan(scalar(Median_head, bad).first) && scalar(Median_head, bad).second == -20104);
-  jqrt::Array<double> x{1, 2}, e;
+  auto with = [&](double r) { return std::pair(r, err); };
+  jqrt::Array<std::complex<double>> none;
   double r = 0;
-  jq::fail_scratch_allocation(1);
-  EXPECT_EQ(Median_head(x.h(), &r, &err), 0);
-  EXPECT_EQ(err, -20001);
-  EXPECT_EQ(MSE_head(x.h(), e.h(), &r, &err), 0);
+  const std::vector<std::tuple<const char*, std::function<std::pair<double, int32_t>()>, int32_t>> cases = {
+      {"mean of nothing", [] { return scalar(Mean_head, {}); }, -20003},
+      {"RMS of nothing", [] { return scalar(RMS_head, {}); }, -20003},
+      {"median of nothing", [] { return scalar(Median_head, {}); }, -20003},
+      {"median of a NaN", [] { return scalar(Median_head, {1, nan(), 3}); }, -20104},
+      {"median of an infinity", [] { return scalar(Median_head, {INFINITY, 2}); }, -20104},
+      {"median without scratch",
+       [] {
+         jq::fail_scratch_allocation(1);
+         return scalar(Median_head, {1, 2});
+       },
+       -20001},
+      {"moment of nothing", [&] { return with(moment({}, 2, &err)); }, -20003},
+      {"moment of order 0", [&] { return with(moment({1, 2}, 0, &err)); }, -20021},
+      {"MSE against nothing",
+       [&] {
+         jqrt::Array<double> x{1, 2}, e;
+         MSE_head(x.h(), e.h(), &r, &err);
+         return with(r);
+       },
+       -20003},
+      {"complex RMS of nothing", [&] { return std::pair(r, CxRMS_head(none.h(), &r)); }, -20003},
+  };
+  for (const auto& [what, call, code] : cases) {
+    const auto [result, got] = call();
+    jq::fail_scratch_allocation(0);
+    EXPECT_EQ(got, code) << what;
+    EXPECT_TRUE(std::isnan(result)) << what;
+  }
+  // A negative count reads as empty.
+  jqrt::Array<double> corrupt(1);
+  corrupt.set_dims(-4);
+  EXPECT_EQ(Mean_head(corrupt.h(), &r, &err), 0);
   EXPECT_EQ(err, -20003);
-  EXPECT_TRUE(std::isnan(r));
-  jqrt::Array<std::complex<double>> ez;
-  EXPECT_EQ(CxRMS_head(ez.h(), &r), -20003);
-  EXPECT_TRUE(std::isnan(r));
-
 }
 
 TEST(Descriptive, ArrayOutputsAreEmptiedOnFailure) {
