@@ -101,11 +101,14 @@ def descriptive():
         assert list(np_counts) == counts, name
         assert np.allclose((np_edges[:-1] + np_edges[1:]) / 2, centres, rtol=0, atol=1e-12 * (max(x) - min(x)))
         modes = exact_modes(x)
+        # Uneven edges that leave the lowest values out and end at the maximum.
+        edges = [float(e) for e in np.percentile(a, [5, 20, 21, 50, 90])] + [max(x)]
+        edge_counts = [int(c) for c in np.histogram(a, bins=edges)[0]]
         rows.append(f'  {{"{name}", {arr(x)},\n   {arr(y)},\n   {lit(mean)}, {lit(rms)}, {lit(mse)}, '
-                    f'{lit(float(np.median(a)))}, {arr(moments)},\n   {iarr(counts)}, {arr(centres)}, {arr(modes)}}},')
+                    f'{lit(float(np.median(a)))}, {arr(moments)},\n   {iarr(counts)}, {arr(centres)}, {arr(modes)},\n   {arr(edges)}, {iarr(edge_counts)}}},')
     return ("struct DataSet {\n  const char* name;\n  std::vector<double> x, y;\n  double mean, rms, mse, median;\n"
             "  std::vector<double> moments;  // orders 2, 3, 4\n  std::vector<int32_t> counts;  // 7 intervals\n"
-            "  std::vector<double> centres, modes;\n};\n\nconst DataSet kDataSets[] = {\n" + "\n".join(rows) + "\n};\n")
+            "  std::vector<double> centres, modes, edges;\n  std::vector<int32_t> edge_counts;\n};\n\nconst DataSet kDataSets[] = {\n" + "\n".join(rows) + "\n};\n")
 
 
 def ibeta(a, b, x):

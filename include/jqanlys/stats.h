@@ -25,6 +25,10 @@ JQ_API int32_t ModeH(JQ_IN JQArrF64 x, int32_t intervals, JQ_OUT JQArrF64 modes)
 /* Equal-width histogram between the data's extremes; the maximum always
  * lands in the last bin. */
 JQ_API int32_t histgran_head(JQ_IN JQArrF64 x, JQ_IN int32_t* intervals, JQ_OUT JQArrI32 counts, JQ_OUT JQArrF64 centres, JQ_OUT int32_t* error);
+/* Histogram over given bin edges (at least 2, non-decreasing, else -20006
+ * or -20016): interval i is [edges[i], edges[i+1]), the last one
+ * closed; values outside the edges and NaNs are not counted. Returns the code. */
+JQ_API int32_t GenHistH(JQ_IN JQArrF64 x, JQ_IN JQArrF64 edges, JQ_OUT JQArrI32 counts);
 
 #ifdef __cplusplus
 }

@@ -80,3 +80,14 @@ JQ_EXPORT int32_t histgran_head(JQHandle x, int32_t* intervals, JQHandle counts,
   if (!out.size(c, k) || !out.size(m, k)) return out.report(kNoMemory, error);
   return out.report(stats::histogram(xs.data(), xs.size(), k, c.data(), m.data()), error);
 }
+
+JQ_EXPORT int32_t GenHistH(JQHandle x, JQHandle edges, JQHandle counts) {
+  Array1<const double> xs(x), es(edges);
+  Out<int32_t> c(counts);
+  Outputs out(c);
+  if (xs.empty()) return out.finish(kEmptyInput);
+  if (const int32_t code = stats::check_edges(es.data(), es.size()); code != kOk) return out.finish(code);
+  if (!out.size(c, es.size() - 1)) return out.finish(kNoMemory);
+  stats::histogram_edges(xs.data(), xs.size(), es.data(), es.size(), c.data());
+  return kOk;
+}

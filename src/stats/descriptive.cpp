@@ -255,4 +255,24 @@ int32_t histogram(const double* x, int32_t n, int32_t k, int32_t* counts, double
   return kOk;
 }
 
+int32_t check_edges(const double* edges, int32_t m) {
+  if (m < 2) return kFewerThan2;
+  for (int32_t i = 1; i < m; ++i)
+    if (!(edges[i] >= edges[i - 1])) return kNonPositiveSpacing;  // NaN edges fail too
+  return kOk;
+}
+
+void histogram_edges(const double* x, int32_t n, const double* edges, int32_t m, int32_t* counts) {
+  std::fill(counts, counts + (m - 1), 0);
+  const double first = edges[0], last = edges[m - 1];
+  for (int32_t i = 0; i < n; ++i) {
+    const double v = x[i];
+    if (!(v >= first && v <= last)) continue;
+    // The first edge above v closes its interval; the last edge itself
+    // belongs to the last interval.
+    const int64_t b = std::upper_bound(edges, edges + m, v) - edges - 1;
+    ++counts[b < m - 1 ? b : m - 2];
+  }
+}
+
 }  // namespace jq::stats

@@ -26,6 +26,12 @@ int32_t median(const double* x, int32_t n, double* result);
 // *count. intervals < 1: exact modes; otherwise the centres of the fullest
 // bins of an equal-width histogram of that many intervals.
 int32_t modes(const double* x, int32_t n, int32_t intervals, Scratch<double>& modes, int32_t* count);
+// Histogram over caller-given edges e[0] <= ... <= e[k]: interval i is
+// [e[i], e[i+1]), the last one closed; values outside or NaN are not counted.
+// kFewerThan2 for fewer than 2 edges, kNonPositiveSpacing for decreasing or
+// NaN edges. Repeated edges make empty intervals, as numpy's do.
+int32_t check_edges(const double* edges, int32_t m);
+void histogram_edges(const double* x, int32_t n, const double* edges, int32_t m, int32_t* counts);
 // Equal-width histogram of k intervals between the data's extremes.
 int32_t histogram(const double* x, int32_t n, int32_t k, int32_t* counts, double* centres);
 

@@ -67,6 +67,9 @@ TEST(Descriptive, DataSetsMatchTheirReferences) {
     EXPECT_EQ(counts.values(), d.counts);
     EXPECT_EQ(centres.values(), d.centres);
     EXPECT_EQ(modes(d.x, 0), d.modes);
+    jqrt::Array<double> edges(d.edges);
+    EXPECT_EQ(GenHistH(x.h(), edges.h(), counts.h()), 0);
+    EXPECT_EQ(counts.values(), d.edge_counts);
   }
 }
 
@@ -203,7 +206,7 @@ TEST(Descriptive, FailuresGiveNaNAndTheirCodes) {
 }
 
 TEST(Descriptive, ArrayOutputsAreEmptiedOnFailure) {
-  jqrt::Array<double> x{0, 1, 1}, e;
+  jqrt::Array<double> x{0, 1, 1}, e, edges{0, 1}, down{0, 2, 1};
   auto hist = [](jqrt::Array<double>& data, int32_t k) {
     return [&data, k](uint8_t** centres) {
       jqrt::Array<int32_t> counts(2);
@@ -230,5 +233,11 @@ TEST(Descriptive, ArrayOutputsAreEmptiedOnFailure) {
       {"mode, output not sized", -20001, mode(x, 0), 1},
       {"mode, sort copy not allocated", -20001, mode(x, 0, 1)},
       {"binned mode, bins not allocated", -20001, mode(x, 3, 1)},
+  });
+  jqtest::expect_rejections<int32_t>({
+      {"edges: none", -20006, [&](uint8_t** c) { return GenHistH(x.h(), e.h(), c); }},
+      {"edges: decreasing", -20016, [&](uint8_t** c) { return GenHistH(x.h(), down.h(), c); }},
+      {"edges: no data", -20003, [&](uint8_t** c) { return GenHistH(e.h(), x.h(), c); }},
+      {"edges: counts not sized", -20001, [&](uint8_t** c) { return GenHistH(x.h(), edges.h(), c); }, 1},
   });
 }
