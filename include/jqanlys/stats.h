@@ -29,6 +29,11 @@ JQ_API int32_t histgran_head(JQ_IN JQArrF64 x, JQ_IN int32_t* intervals, JQ_OUT 
  * or -20016): interval i is [edges[i], edges[i+1]), the last one
  * closed; values outside the edges and NaNs are not counted. Returns the code. */
 JQ_API int32_t GenHistH(JQ_IN JQArrF64 x, JQ_IN JQArrF64 edges, JQ_OUT JQArrI32 counts);
+/* Pearson's chi-square statistic of a table of counts, sum((O - E)^2 / E)
+ * with E = row total * column total / total: -20003 for an empty table,
+ * -20104 for an infinite or NaN count, -20004 for a negative one, -20061 for
+ * a row or column summing to 0. */
+JQ_API int32_t Contingency_head(JQ_IN JQMatF64 table, JQ_OUT double* statistic, JQ_OUT int32_t* error);
 
 #ifdef __cplusplus
 }

@@ -91,3 +91,12 @@ JQ_EXPORT int32_t GenHistH(JQHandle x, JQHandle edges, JQHandle counts) {
   stats::histogram_edges(xs.data(), xs.size(), es.data(), es.size(), c.data());
   return kOk;
 }
+
+JQ_EXPORT int32_t Contingency_head(JQHandle table, double* statistic, int32_t* error) {
+  if (error) *error = kOk;
+  Array2<const double> t(table);
+  double r = 0;
+  const int32_t code = t.empty() ? kEmptyInput : stats::contingency(t.data(), t.rows(), t.cols(), &r);
+  if (statistic && code == kOk) *statistic = r;
+  return report_scalar(code, statistic, error);
+}

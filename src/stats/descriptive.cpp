@@ -275,4 +275,35 @@ void histogram_edges(const double* x, int32_t n, const double* edges, int32_t m,
   }
 }
 
+int32_t contingency(const double* table, int32_t rows, int32_t cols, double* result) {
+  if (rows < 1 || cols < 1) return kEmptyInput;
+  const int64_t n = int64_t{rows} * cols;
+  for (int64_t i = 0; i < n; ++i) {
+    if (!std::isfinite(table[i])) return kNonFiniteData;
+    if (table[i] < 0) return kNegativeSize;
+  }
+  Scratch<double> col;
+  if (col.allocate(cols) != kOk) return kNoMemory;
+  std::fill(col.data(), col.data() + cols, 0.0);
+  double total = 0;
+  for (int64_t i = 0; i < n; ++i) col[i % cols] += table[i];
+  for (int32_t j = 0; j < cols; ++j) {
+    if (col[j] == 0) return kBadSelector;
+    total += col[j];
+  }
+  double stat = 0;
+  for (int32_t r = 0; r < rows; ++r) {
+    const double* row = table + int64_t{r} * cols;
+    double row_total = 0;
+    for (int32_t j = 0; j < cols; ++j) row_total += row[j];
+    if (row_total == 0) return kBadSelector;
+    for (int32_t j = 0; j < cols; ++j) {
+      const double expected = row_total * col[j] / total, d = row[j] - expected;
+      stat += d * d / expected;
+    }
+  }
+  *result = stat;
+  return kOk;
+}
+
 }  // namespace jq::stats

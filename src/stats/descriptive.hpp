@@ -32,6 +32,11 @@ int32_t modes(const double* x, int32_t n, int32_t intervals, Scratch<double>& mo
 // NaN edges. Repeated edges make empty intervals, as numpy's do.
 int32_t check_edges(const double* edges, int32_t m);
 void histogram_edges(const double* x, int32_t n, const double* edges, int32_t m, int32_t* counts);
+// Pearson's chi-square statistic of a rows x cols contingency table of
+// counts (row-major): sum of (O - E)^2 / E with E = row total * column total
+// / total. kNonFiniteData for an infinite or NaN count, kNegativeSize for a
+// negative one, kBadSelector for a row or column that sums to 0.
+int32_t contingency(const double* table, int32_t rows, int32_t cols, double* result);
 // Equal-width histogram of k intervals between the data's extremes.
 int32_t histogram(const double* x, int32_t n, int32_t k, int32_t* counts, double* centres);
 

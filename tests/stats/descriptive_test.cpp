@@ -241,3 +241,23 @@ TEST(Descriptive, ArrayOutputsAreEmptiedOnFailure) {
       {"edges: counts not sized", -20001, [&](uint8_t** c) { return GenHistH(x.h(), edges.h(), c); }, 1},
   });
 }
+
+TEST(Descriptive, ContingencyTables) {
+  double r;
+  int32_t err;
+  for (const Table& t : kTables) {
+    std::vector<std::vector<double>> rows(t.rows);
+    for (int32_t i = 0; i < t.rows; ++i) rows[i].assign(&t.counts[i * t.cols], &t.counts[(i + 1) * t.cols]);
+    jqrt::Array2<double> m = jqrt::Array2<double>::rows(rows);
+    EXPECT_EQ(Contingency_head(m.h(), &r, &err), 0);
+    EXPECT_EQ(err, 0);
+    EXPECT_NEAR(r, t.chi2, 1e-12 * t.chi2) << t.rows << "x" << t.cols;
+  }
+  for (auto [rows, code] : std::vector<std::pair<std::vector<V>, int32_t>>{
+           {{}, -20003}, {{{1, 2}, {3, nan()}}, -20104}, {{{1, -2}, {3, 4}}, -20004}, {{{1, 0}, {3, 0}}, -20061}}) {
+    jqrt::Array2<double> m = jqrt::Array2<double>::rows(rows);
+    EXPECT_EQ(Contingency_head(m.h(), &r, &err), 0);
+    EXPECT_EQ(err, code);
+    EXPECT_TRUE(std::isnan(r));
+  }
+}
