@@ -143,7 +143,7 @@ def level_signals():
     return s
 
 
-LEVEL_BINS = [1, 2, 3, 4, 5, 7, 10, 30, 100, 256, 1000]
+LEVEL_BINS = [1, 2, 3, 4, 5, 7, 10, 30, 100, 256, 1000, 1025, 4096]
 
 
 def peak_signals():
