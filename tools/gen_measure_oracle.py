@@ -26,13 +26,19 @@ CONSTANT = -20309
 
 # ---- state levels, written from the rules ----
 
-def histogram(x, bins):
+def extremes(x):
+    """Max and min by strict comparisons from x[0]."""
     mx = mn = x[0]
     for v in x:
         if v > mx:
             mx = v
         if v < mn:
             mn = v
+    return mx, mn
+
+
+def histogram(x, bins):
+    mx, mn = extremes(x)
     w = (mx - mn) / bins
     inv = 1.0 / w
     counts = [0] * bins
@@ -61,12 +67,7 @@ def modes(counts):
 
 def levels(x, bins, method, flag):
     """(code, high, low, amplitude)."""
-    mx = mn = x[0]
-    for v in x:
-        if v > mx:
-            mx = v
-        if v < mn:
-            mn = v
+    mx, mn = extremes(x)
     if method == 1:
         return 0, mx, mn, mx - mn
     if not (mx - mn > 0):

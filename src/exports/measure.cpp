@@ -16,7 +16,7 @@ namespace {
 // Histogram buffers beyond this many bins are refused as memory that cannot
 // be obtained: far more bins than any record has samples, and a clear of
 // gigabytes on every call.
-constexpr int32_t kMaxBins = 1 << 26;
+constexpr int32_t kMaxBins = 1 << 24;
 
 // The histogram counts of a call site: kept in the host's slot, or for the
 // call only when the host gave no slot.

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstdint>
 #include <limits>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -40,22 +41,18 @@ using Levels = decltype(&StateLevels);
 struct Result {
   int32_t code;
   double high, low, amplitude;
+  bool operator==(const Result&) const = default;
 };
+std::ostream& operator<<(std::ostream& o, const Result& r) {
+  return o << r.code << " high " << r.high << " low " << r.low << " amplitude " << r.amplitude;
+}
 
-Result levels(Levels f, const jqrt::Array<double>& x, int32_t method, int32_t bins, void** slot, int32_t flag = 0,
+Result levels(Levels f, const std::vector<double>& v, int32_t method, int32_t bins, void** slot, int32_t flag = 0,
               double dt = 1e-3) {
+  jqrt::Array<double> x(v);
   Result r{0, -1, -1, -1};
   r.code = f(x.h(), 0.0, dt, method, bins, slot, &r.high, &r.low, &r.amplitude, flag);
   return r;
-}
-
-void expect_case(Levels f, const LevelCase& c, void** slot) {
-  jqrt::Array<double> x(std::vector<double>(c.x, c.x + c.n));
-  const Result r = levels(f, x, c.method, c.bins, slot, c.flag);
-  EXPECT_EQ(r.code, c.code);
-  EXPECT_EQ(r.high, c.high);
-  EXPECT_EQ(r.low, c.low);
-  EXPECT_EQ(r.amplitude, c.amplitude);
 }
 
 // A plain site's block goes with the host context (its registration would
@@ -67,11 +64,6 @@ void release(Levels f, jqrt::Slot& slot) {
     EXPECT_EQ(MeasurementUnreserveProc(slot.get()), 0);
 }
 
-std::string describe(const LevelCase& c) {
-  return std::string(c.name) + " bins " + std::to_string(c.bins) + " method " + std::to_string(c.method) + " flag " +
-         std::to_string(c.flag);
-}
-
 }  // namespace
 
 // Every oracle case on a fresh site, then all of them through one site per
@@ -79,54 +71,46 @@ std::string describe(const LevelCase& c) {
 // change any result, and the plain form keeps exactly one registration.
 TEST(StateLevels, MatchTheOracleOnFreshAndReusedSites) {
   jqrt_dispose_context();
-  const int32_t registered = 0;
-  for (const LevelCase& c : kLevelCases) {
-    SCOPED_TRACE(describe(c));
-    jqrt::Slot plain, idp;
-    expect_case(StateLevels, c, plain.get());
-    expect_case(StateLevels_IDP, c, idp.get());
-    EXPECT_EQ(MeasurementUnreserveProc(idp.get()), 0);
-    EXPECT_EQ(jqrt_dispose_context(), registered + 1);
-  }
   jqrt::Slot plain, idp;
-  for (const LevelCase& c : kLevelCases) {
-    SCOPED_TRACE(describe(c));
-    expect_case(StateLevels, c, plain.get());
-    expect_case(StateLevels_IDP, c, idp.get());
-    EXPECT_EQ(jqrt_cleanup_count(), registered + 1) << "a replaced block must not stay registered";
-  }
+  for (bool reuse : {false, true})
+    for (const LevelCase& c : kLevelCases) {
+      SCOPED_TRACE(std::string(c.name) + " bins " + std::to_string(c.bins) + " method " +
+                   std::to_string(c.method) + " flag " + std::to_string(c.flag));
+      const std::vector<double> x(c.x, c.x + c.n);
+      const Result want{c.code, c.high, c.low, c.amplitude};
+      jqrt::Slot fresh_plain, fresh_idp;
+      EXPECT_EQ(levels(StateLevels, x, c.method, c.bins, (reuse ? plain : fresh_plain).get(), c.flag), want);
+      EXPECT_EQ(levels(StateLevels_IDP, x, c.method, c.bins, (reuse ? idp : fresh_idp).get(), c.flag), want);
+      EXPECT_EQ(jqrt_cleanup_count(), 1) << "a replaced block must not stay registered";
+      if (!reuse) {
+        release(StateLevels_IDP, fresh_idp);
+        release(StateLevels, fresh_plain);
+      }
+    }
   EXPECT_EQ(MeasurementUnreserveProc(idp.get()), 0);
   EXPECT_EQ(idp.value(), nullptr);
-  // The context's clean-up frees the plain site's block (ASan reports a leak
-  // or a double free otherwise).
-  EXPECT_EQ(jqrt_dispose_context(), registered + 1);
+  EXPECT_EQ(jqrt_dispose_context(), 1);  // ASan reports a leak or a double free otherwise
 }
 
 TEST(StateLevels, DegenerateSignals) {
   jqrt::Slot slot;
-  jqrt::Array<double> flat{2.5, 2.5, 2.5}, nan_first{kNaN, 0, 5, 5}, one{-3};
+  const std::vector<double> flat{2.5, 2.5, 2.5}, nan_first{kNaN, 0, 5, 5};
   for (int32_t method : {0, 2}) {
-    const Result r = levels(StateLevels, flat, method, 10, slot.get());
-    EXPECT_EQ(r.code, -20309);
-    EXPECT_EQ(r.high, 0);
-    EXPECT_EQ(r.low, 0);
-    EXPECT_EQ(r.amplitude, 0);
-    EXPECT_EQ(levels(StateLevels, nan_first, method, 10, slot.get()).code, -20309);
+    EXPECT_EQ(levels(StateLevels, flat, method, 10, slot.get()), (Result{-20309, 0, 0, 0}));
+    EXPECT_EQ(levels(StateLevels, nan_first, method, 10, slot.get()), (Result{-20309, 0, 0, 0}));
   }
-  Result r = levels(StateLevels, flat, 1, 10, slot.get());
-  EXPECT_EQ(r.code, 0);
-  EXPECT_EQ(r.high, 2.5);
-  EXPECT_EQ(r.low, 2.5);
-  EXPECT_EQ(r.amplitude, 0);
-  r = levels(StateLevels, one, 1, 1, slot.get());
-  EXPECT_EQ(r.code, 0);
-  EXPECT_EQ(r.high, -3);
+  EXPECT_EQ(levels(StateLevels, flat, 1, 10, slot.get()), (Result{0, 2.5, 2.5, 0}));
+  EXPECT_EQ(levels(StateLevels, {-3}, 1, 1, slot.get()), (Result{0, -3, -3, 0}));
   // The extremes keep the first of equal values, which shows in the sign of
-  // a zero met first at index 4 and again at 5.
-  jqrt::Array<double> max_zero{-5, -4, -3, -2, -0.0, 0.0, 0.0, -1, -1, -1};
-  jqrt::Array<double> min_zero{5, 4, 3, 2, -0.0, 0.0, 0.0, 1, 1, 1};
-  EXPECT_TRUE(std::signbit(levels(StateLevels, max_zero, 1, 4, slot.get()).high));
-  EXPECT_TRUE(std::signbit(levels(StateLevels, min_zero, 1, 4, slot.get()).low));
+  // a zero met first at index 8 and again from 9 on.
+  std::vector<double> up(17, 0.0), down(17, 0.0);
+  for (int i = 0; i < 8; ++i) {
+    up[i] = i ? -1 : -5;
+    down[i] = i ? 1 : 5;
+  }
+  up[8] = down[8] = -0.0;
+  EXPECT_TRUE(std::signbit(levels(StateLevels, up, 1, 4, slot.get()).high));
+  EXPECT_TRUE(std::signbit(levels(StateLevels, down, 1, 4, slot.get()).low));
   release(StateLevels, slot);
 }
 
@@ -134,25 +118,20 @@ TEST(StateLevels, DegenerateSignals) {
 // failure leaves the three levels at 0. The site survives every failure but
 // an allocation's.
 TEST(StateLevels, RejectionsInOrder) {
-  jqrt::Array<double> x{0, 0, 5, 5, 0, 5}, empty;
-  jqrt::Array<double> negative(2);
-  negative.set_dims(-7);
+  const std::vector<double> x{0, 0, 5, 5, 0, 5}, none;
   struct Case {
     const char* what;
     int32_t code;
-    const jqrt::Array<double>* x;
+    const std::vector<double>* x;
     double dt;
     int32_t method, bins, flag;
   };
   const Case cases[] = {
-      {"no bins before anything else", -20317, &empty, 0, 9, 0, 5},
-      {"negative bins", -20317, &x, 1, 0, -3, 0},
+      {"no bins before anything else", -20317, &none, 0, 9, 0, 5},
       {"INT32_MIN bins", -20317, &x, 1, 0, INT32_MIN, 0},
       {"unobtainable bins", -20001, &x, 1, 0, INT32_MAX, 0},
-      {"empty signal before dt", -20312, &empty, 0, 9, 4, 5},
-      {"negative count", -20312, &negative, 1, 0, 4, 0},
+      {"empty signal before dt", -20312, &none, 0, 9, 4, 5},
       {"zero dt before the flag", -20315, &x, 0, 9, 4, 5},
-      {"negative dt", -20315, &x, -1, 0, 4, 0},
       {"NaN dt", -20315, &x, kNaN, 0, 4, 0},
       {"flag 2 before the method", -20061, &x, 1, 9, 4, 2},
       {"flag -1", -20061, &x, 1, 0, 4, -1},
@@ -163,21 +142,20 @@ TEST(StateLevels, RejectionsInOrder) {
     jqrt::Slot slot;
     for (const Case& c : cases) {
       SCOPED_TRACE(c.what);
-      const Result r = levels(f, *c.x, c.method, c.bins, slot.get(), c.flag, c.dt);
-      EXPECT_EQ(r.code, c.code);
-      EXPECT_EQ(r.high, 0);
-      EXPECT_EQ(r.low, 0);
-      EXPECT_EQ(r.amplitude, 0);
+      EXPECT_EQ(levels(f, *c.x, c.method, c.bins, slot.get(), c.flag, c.dt), (Result{c.code, 0, 0, 0}));
     }
     EXPECT_NE(slot.value(), nullptr);
     release(f, slot);
   }
-  // A null handle reads as empty; without a slot the histogram lives for the
-  // call only; absent outputs are skipped.
+  // A negative count or a null handle reads as empty; without a slot the
+  // histogram lives for the call only; absent outputs are skipped.
+  jqrt::Array<double> negative(2), xs(x);
+  negative.set_dims(-7);
   double high = 1;
+  EXPECT_EQ(StateLevels(negative.h(), 0, 1, 0, 4, nullptr, &high, nullptr, nullptr, 0), -20312);
   EXPECT_EQ(StateLevels(nullptr, 0, 1, 0, 4, nullptr, &high, nullptr, nullptr, 0), -20312);
   EXPECT_EQ(high, 0);
-  EXPECT_EQ(StateLevels(x.h(), 0, 1, 0, 4, nullptr, &high, nullptr, nullptr, 0), 0);
+  EXPECT_EQ(StateLevels(xs.h(), 0, 1, 0, 4, nullptr, &high, nullptr, nullptr, 0), 0);
   EXPECT_EQ(high, 5 - 5.0 / 8);
 }
 
@@ -185,16 +163,14 @@ TEST(StateLevels, RejectionsInOrder) {
 // counts, for the _IDP form only the counts. Either failing is -20001 with
 // zero levels, and the next call at the same site works.
 TEST(StateLevels, FailedAllocations) {
-  jqrt::Array<double> x{0, 0, 5, 5, 0, 5};
+  const std::vector<double> x{0, 0, 5, 5, 0, 5};
   for (auto [f, nth] : {std::pair{&StateLevels, 1}, {&StateLevels, 2}, {&StateLevels_IDP, 1}}) {
     jqrt::Slot slot;
     ASSERT_EQ(levels(f, x, 0, 3, slot.get()).code, 0);
     jq::fail_scratch_allocation(nth);
     const Result r = levels(f, x, 0, 8, slot.get());
     jq::fail_scratch_allocation(0);
-    EXPECT_EQ(r.code, -20001);
-    EXPECT_EQ(r.high, 0);
-    EXPECT_EQ(r.amplitude, 0);
+    EXPECT_EQ(r, (Result{-20001, 0, 0, 0}));
     EXPECT_EQ(slot.value() != nullptr, f == &StateLevels_IDP) << "the _IDP holder stays, a plain block goes";
     EXPECT_EQ(levels(f, x, 0, 8, slot.get()).high, 5 - 5.0 / 16);
     EXPECT_EQ(jqrt_cleanup_count(), f == &StateLevels ? 1 : 0);
@@ -209,12 +185,14 @@ struct Peaks {
   std::vector<int32_t> indices;
 };
 
-Peaks detect(const std::vector<double>& v, double threshold, int32_t width) {
+Peaks detect(const std::vector<double>& v, double threshold, int32_t width, int32_t fail = 0) {
   jqrt::Array<double> x(v);
   jqrt::Array<int32_t> out(5);
-  Peaks p{};
-  p.count = p.error = -1;
-  p.result = PeakDetector(x.h(), &threshold, &width, out.h(), &p.count, &p.error);
+  Peaks p{0, 9, 9, {}};
+  {
+    jqrt::FailResize failing(fail);
+    p.result = PeakDetector(x.h(), &threshold, &width, out.h(), &p.count, &p.error);
+  }
   p.indices = out.values();
   return p;
 }
@@ -231,55 +209,36 @@ TEST(PeakDetector, MatchesTheOracle) {
     EXPECT_EQ(p.indices, c.peaks);
     EXPECT_EQ(p.count, static_cast<int32_t>(c.peaks.size()));
   }
-}
-
-TEST(PeakDetector, RunsAtTheEdgesAndNaN) {
+  // Width 1 on alternating samples fills the upper bound of n / width + 1.
+  EXPECT_EQ(detect({1, 0, 1, 0, 1}, 1, 1).indices, (std::vector<int32_t>{0, 2, 4}));
   EXPECT_EQ(detect({0, 5, 5, 0, 5}, 1, 2).indices, std::vector<int32_t>{1});
-  EXPECT_EQ(detect({5, 5, 5}, 1, 2).indices, std::vector<int32_t>{0});
   EXPECT_EQ(detect({kNaN, kNaN, kNaN}, 1, 1).indices, std::vector<int32_t>{0});
-  // Width 1 on alternating samples fills the upper bound exactly.
-  const Peaks p = detect({1, 0, 1, 0, 1}, 1, 1);
-  EXPECT_EQ(p.indices, (std::vector<int32_t>{0, 2, 4}));
-  EXPECT_EQ(p.count, 3);
-  // A run of length n - 1 at either end, with width n - 1.
-  EXPECT_EQ(detect({0, 1, 1, 1}, 1, 3).indices, std::vector<int32_t>{1});
-  EXPECT_EQ(detect({1, 1, 1, 0}, 1, 3).indices, std::vector<int32_t>{0});
-  EXPECT_EQ(detect({1, 1, 1, 0}, kInf, 1).indices, std::vector<int32_t>{});
 }
 
 // A width outside [1, n - 1], every empty signal included, is -20013 as the
 // result and the error; a failed resize is -20001 with the host's status as
 // the result. The indices are always emptied and the count is 0.
 TEST(PeakDetector, Rejections) {
-  using jqtest::Rejection;
-  auto call = [](std::vector<double> v, int32_t width, int32_t set_count = 1, bool null_threshold = false) {
-    return [=](uint8_t** out) {
-      jqrt::Array<double> x(v.empty() ? std::vector<double>{0} : v);
-      if (v.empty() || set_count < 1) x.set_dims(v.empty() ? 0 : set_count);
-      double threshold = 0.5;
-      int32_t w = width, count = 9, error = 9;
-      const int32_t result =
-          PeakDetector(x.h(), null_threshold ? nullptr : &threshold, &w, out, &count, &error);
+  auto call = [](std::vector<double> v, int32_t width, bool threshold = true) {
+    return [=](uint8_t** out) mutable {
+      jqrt::Array<double> x(v);
+      if (v.empty()) x = jqrt::Array<double>::null();
+      double t = 0.5;
+      int32_t count = 9, error = 9;
+      const int32_t result = PeakDetector(x.h(), threshold ? &t : nullptr, &width, out, &count, &error);
       EXPECT_EQ(count, 0);
-      if (error == -20013) return result == error ? error : 1;
-      return jqtest::reported(result, error);
+      return error == -20013 ? (result == error ? error : 1) : jqtest::reported(result, error);
     };
   };
   const std::vector<double> x{0, 1, 1, 0, 1, 1};
   jqtest::expect_rejections<int32_t>({
       {"width = n", -20013, call(x, 6)},
       {"width 0", -20013, call(x, 0)},
-      {"negative width", -20013, call(x, -2)},
-      {"INT32_MIN width", -20013, call(x, INT32_MIN)},
-      {"INT32_MAX width", -20013, call(x, INT32_MAX)},
-      {"empty signal: -20013, not -20003", -20013, call({}, 1)},
-      {"negative count", -20013, call(x, 1, -5)},
-      {"no threshold", -20013, call(x, 1, 1, true)},
+      {"INT32_MIN", -20013, call(x, INT32_MIN)},
+      {"INT32_MAX", -20013, call(x, INT32_MAX)},
+      {"no samples: -20013, not -20003", -20013, call({}, 1)},
+      {"no threshold", -20013, call(x, 1, false)},
       {"the upper-bound resize fails", -20001, call(x, 1), 1},
       {"the final shrink fails", -20001, call(x, 1), 2},
   });
-  int32_t count = 9, error = 9, width = 1;
-  double threshold = 0;
-  EXPECT_EQ(PeakDetector(nullptr, &threshold, &width, nullptr, &count, &error), -20013);
-  EXPECT_EQ(error, -20013);
 }
