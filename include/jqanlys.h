@@ -62,6 +62,7 @@ typedef struct JQErrorCluster {
 #include "jqanlys/frame.h"
 #include "jqanlys/spectra.h"
 #include "jqanlys/stats.h"
+#include "jqanlys/distributions.h"
 #include "jqanlys/special.h"
 #include "jqanlys/noise.h"
 #include "jqanlys/transforms.h"

@@ -42,6 +42,9 @@ enum Code : int32_t {
 
   // Codes raised by particular routines are added below, grouped by subsystem.
 
+  // Statistics: probability distributions.
+  kDegreesOfFreedom = -20052,   // degrees of freedom below 1 (below 0 for the chi-square CDF)
+
   // Signal generation: waveforms and patterns.
   kRampExcludedEmpty = -20005,  // a ramp without its end point needs at least one sample
   kNonPositiveDuty = -20011,    // a square pattern's duty cycle is zero or negative
