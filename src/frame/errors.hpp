@@ -46,6 +46,11 @@ enum Code : int32_t {
   kRampExcludedEmpty = -20005,  // a ramp without its end point needs at least one sample
   kNonPositiveDuty = -20011,    // a square pattern's duty cycle is zero or negative
   kNonFinitePhase = -20068,     // a wave's phase or frequency is NaN or infinite
+
+  // FIR design and filtering.
+  kEdgeAboveNyquist = -20020,   // a band edge or cut-off above fs/2
+  kBadEdges = -20023,           // non-positive fs, bad edge, weight or desired value, cut-offs out of order
+  kDesignFailed = -20031,       // too few taps, non-finite input, inconsistent bands, no convergence
 };
 
 }  // namespace jq

@@ -1,0 +1,46 @@
+/* FIR design, FIR and multirate filtering, smoothing and the running median.
+ *
+ * Design exports take their scalars by pointer, store the code in a trailing
+ * error argument and return 0 (or the host's status after a failed resize);
+ * on failure the coefficient array comes back empty. The filter exports
+ * ending in H return the code; on failure every output array is emptied. */
+#ifndef JQANLYS_FIR_H
+#define JQANLYS_FIR_H
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/* Ideal response truncated to *taps samples, without a taper. Filter type
+ * 0 lowpass (cut-off fl), 1 highpass (fl), 2 bandpass, 3 bandstop (fl, fh);
+ * the type is clamped into 0..3 and written back. Highpass and bandstop need
+ * an odd number of taps. */
+JQ_API int32_t FIRCoefs(JQ_IN double* fs, JQ_IN double* fl, JQ_IN double* fh, JQ_IN int32_t* taps, JQ_OUT JQArrF64 coefficients, JQ_INOUT int32_t* type, JQ_OUT int32_t* error);
+
+/* Running median over rank samples on each side (MedianFilterCIN) or left
+ * and right samples (MedianFilter81_H; a negative right rank means the left
+ * one), samples outside the signal counting as zeros; in place. An even
+ * window takes the mean of its two middle values. */
+JQ_API int32_t MedianFilterCIN(JQ_INOUT JQArrF64 x, JQ_IN int32_t* rank, JQ_OUT int32_t* error);
+JQ_API int32_t MedianFilter81_H(JQ_INOUT JQArrF64 x, int32_t left, int32_t right);
+
+/* Point-by-point multirate FIR filter over a stream given in blocks. Mode 0
+ * filters, 1 decimates by `decimation`, 2 interpolates by `interpolation`
+ * (zeros inserted, no gain applied), 3 changes the rate by
+ * interpolation/decimation; factors a mode does not use are ignored. The
+ * stream keeps its last (taps - 1) / interpolation inputs in `state` (oldest
+ * first) and the upsampled time of the next block modulo the decimation in
+ * *phase. A non-zero reset, a state of another length or a phase out of
+ * range start the stream over from zeros. *count receives the number of
+ * outputs of this block, which the output array holds; filtering a stream in
+ * blocks gives exactly the outputs of filtering it at once, which are the
+ * first outputs of upsample-filter-downsample. Coefficients are float64 for
+ * every sample type. */
+JQ_API int32_t ppMultiRateFIRH_DBL(JQ_IN JQArrF64 x, JQ_OUT JQArrF64 y, JQ_INOUT JQArrF64 state, JQ_IN JQArrF64 coefficients, int32_t mode, int32_t decimation, int32_t interpolation, uint8_t reset, JQ_OUT int32_t* count, JQ_INOUT int32_t* phase);
+JQ_API int32_t ppMultiRateFIRH_SGL(JQ_IN JQArrF32 x, JQ_OUT JQArrF32 y, JQ_INOUT JQArrF32 state, JQ_IN JQArrF64 coefficients, int32_t mode, int32_t decimation, int32_t interpolation, uint8_t reset, JQ_OUT int32_t* count, JQ_INOUT int32_t* phase);
+JQ_API int32_t ppMultiRateFIRH_CDB(JQ_IN JQArrC128 x, JQ_OUT JQArrC128 y, JQ_INOUT JQArrC128 state, JQ_IN JQArrF64 coefficients, int32_t mode, int32_t decimation, int32_t interpolation, uint8_t reset, JQ_OUT int32_t* count, JQ_INOUT int32_t* phase);
+JQ_API int32_t ppMultiRateFIRH_CSG(JQ_IN JQArrC64 x, JQ_OUT JQArrC64 y, JQ_INOUT JQArrC64 state, JQ_IN JQArrF64 coefficients, int32_t mode, int32_t decimation, int32_t interpolation, uint8_t reset, JQ_OUT int32_t* count, JQ_INOUT int32_t* phase);
+
+#ifdef __cplusplus
+}
+#endif
+#endif

@@ -1,0 +1,112 @@
+// FIR design, FIR and multirate filtering, least-squares smoothing and the
+// running median.
+#include <algorithm>
+#include <limits>
+
+#include "filters/fir.hpp"
+#include "frame/export.hpp"
+#include "jqanlys.h"
+
+using namespace jq;
+
+namespace {
+
+constexpr int32_t kMaxFactor = 0x800000;
+
+template <class T> T value_of(const T* p, T fallback) { return p ? *p : fallback; }
+double value_of(const double* p) { return value_of(p, std::numeric_limits<double>::quiet_NaN()); }
+
+// The running median in place; a failure empties the signal.
+int32_t median_in_place(JQHandle x, int32_t left, int32_t right) {
+  Array1<double> s(x);
+  Out<double> o(x);
+  Outputs outs(o);
+  if (s.empty()) return outs.fail(kEmptyInput);
+  return outs.finish(fir::running_median(s.data(), s.size(), left, right < 0 ? left : right));
+}
+
+// The point-by-point multirate filter. Mode 0 filters, 1 decimates, 2
+// interpolates and 3 does both; the output, the history and both counts are
+// emptied on failure.
+template <class S>
+int32_t multirate_export(JQHandle x, JQHandle y, JQHandle state, JQHandle coefficients, int32_t mode,
+                         int32_t decimation, int32_t interpolation, uint8_t reset, int32_t* count, int32_t* phase) {
+  Array1<const S> xs(x);
+  Array1<const double> h(coefficients);
+  Array1<S> st(state);
+  Out<S> yo(y), so(state);
+  Outputs outs(yo, so);
+  auto fail = [&](int32_t code) {
+    if (count) *count = 0;
+    if (phase) *phase = 0;
+    return outs.fail(code);
+  };
+  if (mode < 0 || mode > 3) return fail(kBadSelector);
+  const int32_t down = mode == 1 || mode == 3 ? decimation : 1;
+  const int32_t up = mode == 2 || mode == 3 ? interpolation : 1;
+  if (down < 1 || up < 1) return fail(kBadOrder);
+  if (down > kMaxFactor || up > kMaxFactor) return fail(kTooLarge);
+  if (h.empty()) return fail(kEmptyInput);
+  if (xs.empty()) return fail(kEmptyInput);
+
+  const int32_t n = xs.size(), k = h.size();
+  const int64_t hist = fir::history_length(k, up);
+  int32_t ph = value_of(phase, 0);
+  const bool fresh = reset || st.size() != hist || ph < 0 || ph >= down;
+  if (fresh) ph = 0;
+  const int64_t m = fir::output_count(n, up, down, ph);
+  if (m > std::numeric_limits<int32_t>::max()) return fail(kNoMemory);
+
+  // An input that shares its block with an output is read before the
+  // output is resized.
+  Scratch<S> copy;
+  const S* in = xs.data();
+  if (x == y || x == state) {
+    if (copy.allocate(n) != kOk) return fail(kNoMemory);
+    std::copy(in, in + n, copy.data());
+    in = copy.data();
+  }
+  if (st.size() != hist && !outs.size(so, static_cast<int32_t>(hist))) return fail(kNoMemory);
+  if (fresh) std::fill(so.data(), so.data() + hist, S{});
+  if (!outs.size(yo, static_cast<int32_t>(m))) return fail(kNoMemory);
+  const int32_t code = fir::multirate<S>(in, n, h.data(), k, up, down, ph, so.data(), yo.data());
+  if (code < 0) return fail(code);
+  if (count) *count = static_cast<int32_t>(m);
+  if (phase) *phase = fir::next_phase(n, up, down, ph);
+  return code;
+}
+
+}  // namespace
+
+JQ_EXPORT int32_t FIRCoefs(double* fs, double* fl, double* fh, int32_t* taps, JQHandle coefficients, int32_t* type,
+                           int32_t* error) {
+  Out<double> c(coefficients);
+  Outputs outs(c);
+  if (error) *error = kOk;
+  // The type is clamped and written back, deliberately.
+  const int32_t t = std::clamp(value_of(type, 0), 0, 3);
+  if (type) *type = t;
+  const int32_t n = value_of(taps, 0);
+  if (n < 1) return outs.report(kBadOrder, error);
+  if (!outs.size(c, n)) return outs.report(kNoMemory, error);
+  return outs.report(fir::ideal_coefficients(value_of(fs), value_of(fl), value_of(fh), n, t, c.data()), error);
+}
+
+JQ_EXPORT int32_t MedianFilterCIN(JQHandle x, int32_t* rank, int32_t* error) {
+  const int32_t r = value_of(rank, -1);
+  const int32_t code = median_in_place(x, r, r);
+  if (error) *error = code;
+  return 0;
+}
+
+JQ_EXPORT int32_t MedianFilter81_H(JQHandle x, int32_t left, int32_t right) { return median_in_place(x, left, right); }
+
+#define JQ_MULTIRATE(Name, S)                                                                                   \
+  JQ_EXPORT int32_t Name(JQHandle x, JQHandle y, JQHandle state, JQHandle coefficients, int32_t mode,           \
+                         int32_t decimation, int32_t interpolation, uint8_t reset, int32_t* count, int32_t* phase) { \
+    return multirate_export<S>(x, y, state, coefficients, mode, decimation, interpolation, reset, count, phase); \
+  }
+JQ_MULTIRATE(ppMultiRateFIRH_DBL, double)
+JQ_MULTIRATE(ppMultiRateFIRH_SGL, float)
+JQ_MULTIRATE(ppMultiRateFIRH_CDB, cdouble)
+JQ_MULTIRATE(ppMultiRateFIRH_CSG, cfloat)

@@ -1,0 +1,163 @@
+// The streaming rational-rate FIR filter.
+//
+// Every output is the sum over the taps that meet an input, taken from the
+// oldest input to the newest, starting from 0: one fixed order whatever the
+// block boundaries, so a stream filtered in blocks equals the stream filtered
+// at once bit for bit. The plain filter (up = down = 1) computes sixteen
+// float64 lanes of outputs at a time in that same order; it has an AVX2
+// variant chosen at run time, and neither variant fuses multiply and add,
+// so the vector lanes, the scalar tail and both variants agree exactly.
+#include <complex>
+#include <cstring>
+#include <limits>
+#include <type_traits>
+
+#include "filters/fir.hpp"
+
+// The vector helpers are inlined everywhere, so no vector crosses a call.
+#pragma GCC diagnostic ignored "-Wpsabi"
+#include "frame/errors.hpp"
+#include "frame/scratch.hpp"
+
+namespace jq::fir {
+
+namespace {
+
+// A sample as its float64-convertible parts: one, or real then imaginary.
+template <class S> struct Parts {
+  using T = S;
+  static constexpr int value = 1;
+};
+template <class R> struct Parts<std::complex<R>> {
+  using T = R;
+  static constexpr int value = 2;
+};
+
+using v4d = double __attribute__((vector_size(32)));
+
+__attribute__((always_inline)) inline v4d load4(const double* p) {
+  v4d v;
+  std::memcpy(&v, p, sizeof v);
+  return v;
+}
+__attribute__((always_inline)) inline void store4(double* p, v4d v) { std::memcpy(p, &v, sizeof v); }
+
+// y[d] = sum over j of hr[j] * e[d + stride * j], for d in [0, count), with
+// hr the taps oldest-input first. Sixteen lanes at a time, then one by one.
+__attribute__((always_inline)) inline void correlate_body(const double* e, int64_t count, const double* hr,
+                                                          int32_t k, int stride, double* y) {
+  int64_t d = 0;
+  for (; d + 16 <= count; d += 16) {
+    v4d a0 = {0, 0, 0, 0}, a1 = a0, a2 = a0, a3 = a0;
+    const double* p = e + d;
+    for (int32_t j = 0; j < k; ++j, p += stride) {
+      const double c = hr[j];
+      const v4d cv = {c, c, c, c};
+      a0 += cv * load4(p);
+      a1 += cv * load4(p + 4);
+      a2 += cv * load4(p + 8);
+      a3 += cv * load4(p + 12);
+    }
+    store4(y + d, a0);
+    store4(y + d + 4, a1);
+    store4(y + d + 8, a2);
+    store4(y + d + 12, a3);
+  }
+  for (; d < count; ++d) {
+    double a = 0;
+    const double* p = e + d;
+    for (int32_t j = 0; j < k; ++j, p += stride) a += hr[j] * *p;
+    y[d] = a;
+  }
+}
+
+void correlate_baseline(const double* e, int64_t count, const double* hr, int32_t k, int stride, double* y) {
+  correlate_body(e, count, hr, k, stride, y);
+}
+
+__attribute__((target("avx2"))) void correlate_avx2(const double* e, int64_t count, const double* hr, int32_t k,
+                                                    int stride, double* y) {
+  correlate_body(e, count, hr, k, stride, y);
+}
+
+void correlate(const double* e, int64_t count, const double* hr, int32_t k, int stride, double* y) {
+  static const bool avx2 = __builtin_cpu_supports("avx2");
+  (avx2 ? correlate_avx2 : correlate_baseline)(e, count, hr, k, stride, y);
+}
+
+template <class S> inline void to_parts(const S* s, int64_t n, double* d) {
+  const auto* p = reinterpret_cast<const typename Parts<S>::T*>(s);
+  for (int64_t i = 0; i < n * Parts<S>::value; ++i) d[i] = static_cast<double>(p[i]);
+}
+template <class S> inline void from_parts(const double* d, int64_t n, S* s) {
+  using T = typename Parts<S>::T;
+  auto* p = reinterpret_cast<T*>(s);
+  for (int64_t i = 0; i < n * Parts<S>::value; ++i) p[i] = static_cast<T>(d[i]);
+}
+
+}  // namespace
+
+int64_t history_length(int32_t k, int32_t up) { return k < 1 || up < 1 ? 0 : (int64_t{k} - 1) / up; }
+
+int64_t output_count(int64_t n, int32_t up, int32_t down, int32_t phase) {
+  const int64_t first = (down - phase) % down;
+  const int64_t span = n * up;
+  return span > first ? (span - first + down - 1) / down : 0;
+}
+
+int32_t next_phase(int64_t n, int32_t up, int32_t down, int32_t phase) {
+  return static_cast<int32_t>((phase + (n % down) * up) % down);
+}
+
+template <class S>
+int32_t multirate(const S* x, int64_t n, const double* h, int32_t k, int32_t up, int32_t down, int32_t phase,
+                  S* history, S* y) {
+  constexpr int parts = Parts<S>::value;
+  const int64_t hist = history_length(k, up);
+  const int64_t count = output_count(n, up, down, phase);
+  // The inputs as float64 parts, the history in front of the block.
+  // float64 outputs are written directly, the others through a buffer.
+  constexpr bool direct = std::is_same_v<typename Parts<S>::T, double>;
+  Scratch<double> ext, buffer, reversed;
+  if (ext.allocate(static_cast<size_t>((hist + n) * parts)) != kOk) return kNoMemory;
+  if (buffer.allocate(direct ? 0 : static_cast<size_t>(count * parts)) != kOk) return kNoMemory;
+  double* out = direct ? reinterpret_cast<double*>(y) : buffer.data();
+  if (reversed.allocate(static_cast<size_t>(k)) != kOk) return kNoMemory;
+  double* e = ext.data();
+  to_parts(history, hist, e);
+  to_parts(x, n, e + hist * parts);
+
+  if (up == 1 && down == 1) {
+    for (int32_t j = 0; j < k; ++j) reversed[j] = h[k - 1 - j];
+    correlate(e, count * parts, reversed.data(), k, parts, out);
+  } else {
+    // Output m sits at upsampled time s = first + m * down of the block; it
+    // meets the taps p, p + up, ... with p = s mod up, against the inputs
+    // s / up, s / up - 1, ...; summed from the oldest input.
+    const int64_t first = (down - phase) % down;
+    for (int64_t m = 0; m < count; ++m) {
+      const int64_t s = first + m * down;
+      const int64_t p = s % up, j0 = s / up;
+      const int64_t top = p < k ? (k - 1 - p) / up : -1;
+      for (int c = 0; c < parts; ++c) {
+        double a = 0;
+        for (int64_t i = top; i >= 0; --i) a += h[p + i * up] * e[(hist + j0 - i) * parts + c];
+        out[m * parts + c] = a;
+      }
+    }
+  }
+  if (!direct) from_parts(out, count, y);
+  from_parts(e + n * parts, hist, history);
+  return kOk;
+}
+
+template int32_t multirate<double>(const double*, int64_t, const double*, int32_t, int32_t, int32_t, int32_t,
+                                   double*, double*);
+template int32_t multirate<float>(const float*, int64_t, const double*, int32_t, int32_t, int32_t, int32_t, float*,
+                                  float*);
+template int32_t multirate<cdouble>(const cdouble*, int64_t, const double*, int32_t, int32_t, int32_t, int32_t,
+                                    cdouble*, cdouble*);
+template int32_t multirate<cfloat>(const cfloat*, int64_t, const double*, int32_t, int32_t, int32_t, int32_t,
+                                   cfloat*, cfloat*);
+
+}  // namespace jq::fir

@@ -1,0 +1,281 @@
+// FIR design, multirate filtering and the running median through their
+// exports, against scipy (fir_oracle.inc) and the definitions.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <complex>
+#include <random>
+#include <vector>
+
+#include "fir_oracle.inc"
+#include "frame/scratch.hpp"
+#include "jqanlys.h"
+#include "jqrt.hpp"
+#include "support/checks.hpp"
+
+namespace {
+
+using cd = std::complex<double>;
+using cf = std::complex<float>;
+using jqtest::nan;
+using jqtest::Rejection;
+
+template <class S> S sample(const double* p, bool complex, int i) {
+  if constexpr (std::is_same_v<S, cd> || std::is_same_v<S, cf>) {
+    return complex ? S(p[2 * i], p[2 * i + 1]) : S(p[i], 0);
+  } else {
+    return static_cast<S>(p[i]);
+  }
+}
+
+template <class S>
+int32_t multirate(JQHandle x, JQHandle y, JQHandle state, JQHandle h, int32_t mode, int32_t down, int32_t up,
+                  uint8_t reset, int32_t* count, int32_t* phase) {
+  if constexpr (std::is_same_v<S, double>) return ppMultiRateFIRH_DBL(x, y, state, h, mode, down, up, reset, count, phase);
+  if constexpr (std::is_same_v<S, float>) return ppMultiRateFIRH_SGL(x, y, state, h, mode, down, up, reset, count, phase);
+  if constexpr (std::is_same_v<S, cd>) return ppMultiRateFIRH_CDB(x, y, state, h, mode, down, up, reset, count, phase);
+  if constexpr (std::is_same_v<S, cf>) return ppMultiRateFIRH_CSG(x, y, state, h, mode, down, up, reset, count, phase);
+}
+
+// One stream through the filter in blocks of the given sizes; the outputs
+// of all blocks, joined.
+template <class S>
+std::vector<S> stream(const std::vector<S>& x, const std::vector<double>& h, int32_t mode, int32_t down, int32_t up,
+                      const std::vector<int>& blocks) {
+  jqrt::Array<double> coef(h);
+  jqrt::Array<S> state;
+  int32_t phase = 0;
+  std::vector<S> all;
+  size_t at = 0;
+  for (size_t b = 0; b < blocks.size(); ++b) {
+    jqrt::Array<S> in(std::vector<S>(x.begin() + at, x.begin() + at + blocks[b])), out;
+    at += blocks[b];
+    int32_t count = -1;
+    EXPECT_EQ(multirate<S>(in.h(), out.h(), state.h(), coef.h(), mode, down, up, b == 0, &count, &phase), 0);
+    EXPECT_EQ(count, out.size());
+    for (S v : out.values()) all.push_back(v);
+  }
+  return all;
+}
+
+template <class S> void check_multirate_oracle(double tolerance) {
+  for (const oracle::MultirateCase& c : oracle::kMultirate) {
+    SCOPED_TRACE(testing::Message() << "mode " << c.mode << " up " << c.up << " down " << c.down << " taps " << c.k);
+    if (c.complex && !(std::is_same_v<S, cd> || std::is_same_v<S, cf>)) continue;
+    std::vector<S> x;
+    for (int i = 0; i < c.n; ++i) x.push_back(sample<S>(c.x, c.complex, i));
+    const std::vector<double> h(c.h, c.h + c.k);
+    const std::vector<S> y = stream<S>(x, h, c.mode, c.down, c.up, {c.n});
+    ASSERT_EQ(static_cast<int>(y.size()), c.count);
+    for (int i = 0; i < c.count; ++i) {
+      const S want = sample<S>(c.y, c.complex, i);
+      EXPECT_NEAR(std::abs(y[i] - want), 0.0, tolerance * (1 + std::abs(want))) << "output " << i;
+    }
+    // The same stream cut into uneven blocks, single samples included,
+    // gives the same outputs bit for bit.
+    std::vector<int> blocks;
+    for (int left = c.n, b = 1; left > 0; b = b % 7 + 1) {
+      blocks.push_back(std::min(left, b == 5 ? 37 : b));
+      left -= blocks.back();
+    }
+    EXPECT_EQ(stream<S>(x, h, c.mode, c.down, c.up, blocks), y);
+  }
+}
+
+}  // namespace
+
+TEST(FirIdeal, MatchesTheTruncatedIdealResponse) {
+  for (const oracle::IdealCase& c : oracle::kIdeal) {
+    SCOPED_TRACE(testing::Message() << "type " << c.type << " n " << c.n << " fl " << c.fl);
+    double fs = c.fs, fl = c.fl, fh = c.fh;
+    int32_t n = c.n, type = c.type, error = 1;
+    jqrt::Array<double> h;
+    ASSERT_EQ(FIRCoefs(&fs, &fl, &fh, &n, h.h(), &type, &error), 0);
+    ASSERT_EQ(error, 0);
+    ASSERT_EQ(h.size(), c.n);
+    for (int i = 0; i < c.n; ++i) EXPECT_NEAR(h[i], c.h[i], 1e-15) << "tap " << i;
+  }
+  // An out-of-range type is clamped and written back: 7 designs a bandstop.
+  double fs = 1000, fl = 100, fh = 300;
+  int32_t n = 51, type = 7, error = 0;
+  jqrt::Array<double> h, bs;
+  ASSERT_EQ(FIRCoefs(&fs, &fl, &fh, &n, h.h(), &type, &error), 0);
+  EXPECT_EQ(type, 3);
+  type = 3;
+  FIRCoefs(&fs, &fl, &fh, &n, bs.h(), &type, &error);
+  EXPECT_EQ(h.values(), bs.values());
+  type = -4;
+  FIRCoefs(&fs, &fl, &fh, &n, h.h(), &type, &error);
+  EXPECT_EQ(type, 0);
+}
+
+TEST(FirIdeal, RejectionsEmptyTheCoefficients) {
+  struct Bad {
+    const char* what;
+    double fs, fl, fh;
+    int32_t n, type, code;
+  };
+  std::vector<Rejection> cases;
+  for (Bad b : {Bad{"no taps", 1000, 100, 0, 0, 0, -20021}, Bad{"negative taps", 1000, 100, 0, -5, 0, -20021},
+                Bad{"fl above Nyquist", 1000, 501, 0, 11, 0, -20020},
+                Bad{"fh above Nyquist", 1000, 100, 501, 11, 2, -20020},
+                Bad{"zero fs", 0, 100, 0, 11, 0, -20020}, Bad{"negative fs", -1000, -600, 0, 11, 0, -20023},
+                Bad{"zero fl", 1000, 0, 0, 11, 0, -20023}, Bad{"NaN fl", 1000, nan(), 0, 11, 1, -20023},
+                Bad{"NaN fs", nan(), 100, 0, 11, 0, -20023}, Bad{"fh not above fl", 1000, 200, 200, 11, 2, -20023},
+                Bad{"fh zero", 1000, 200, 0, 11, 3, -20023}, Bad{"highpass, even taps", 1000, 100, 0, 20, 1, -20033},
+                Bad{"bandstop, even taps", 1000, 100, 200, 20, 3, -20033}})
+    cases.push_back({b.what, b.code, [b](uint8_t** out) {
+                       double fs = b.fs, fl = b.fl, fh = b.fh;
+                       int32_t n = b.n, type = b.type, error = 0;
+                       return jqtest::reported(FIRCoefs(&fs, &fl, &fh, &n, out, &type, &error), error);
+                     }});
+  cases.push_back({"resize fails", -20001,
+                   [](uint8_t** out) {
+                     double fs = 1000, fl = 100, fh = 0;
+                     int32_t n = 11, type = 0, error = 0;
+                     return jqtest::reported(FIRCoefs(&fs, &fl, &fh, &n, out, &type, &error), error);
+                   },
+                   1});
+  jqtest::expect_rejections<double>(cases);
+}
+
+TEST(FirMedian, MatchesMedfiltAndTheZeroPaddedDefinition) {
+  for (const oracle::MedianCase& c : oracle::kMedian) {
+    SCOPED_TRACE(testing::Message() << "n " << c.n << " left " << c.left << " right " << c.right);
+    jqrt::Array<double> x(std::vector<double>(c.x, c.x + c.n));
+    ASSERT_EQ(MedianFilter81_H(x.h(), c.left, c.right), 0);
+    EXPECT_EQ(x.values(), std::vector<double>(c.y, c.y + c.n));
+    if (c.left == c.right) {
+      jqrt::Array<double> z(std::vector<double>(c.x, c.x + c.n));
+      int32_t rank = c.left, error = 1;
+      ASSERT_EQ(MedianFilterCIN(z.h(), &rank, &error), 0);
+      EXPECT_EQ(error, 0);
+      EXPECT_EQ(z.values(), x.values());
+    }
+  }
+  jqrt::Array<double> x{1, 9, 2, 8, 3};
+  ASSERT_EQ(MedianFilter81_H(x.h(), 1, -1), 0);
+  EXPECT_EQ(x.values(), (std::vector<double>{1, 2, 8, 3, 3}));
+  // A window far longer than the signal is mostly padding: all zeros.
+  jqrt::Array<double> big{5, 6, 7};
+  ASSERT_EQ(MedianFilter81_H(big.h(), 2147483647, 2), 0);
+  EXPECT_EQ(big.values(), (std::vector<double>{0, 0, 0}));
+  jqrt::Array<double> edge{5, 6, 7};  // w = 2n: the samples still reach a middle place
+  ASSERT_EQ(MedianFilter81_H(edge.h(), 3, 2), 0);
+  EXPECT_EQ(edge.values(), (std::vector<double>{2.5, 2.5, 2.5}));
+  // NaNs sort above every number and leave the window again.
+  jqrt::Array<double> withnan{1, nan(), 3, 4, 5, 6, 7};
+  ASSERT_EQ(MedianFilter81_H(withnan.h(), 1, 1), 0);
+  EXPECT_EQ(withnan[0], 1);
+  EXPECT_EQ(withnan[4], 5);
+  EXPECT_EQ(withnan[5], 6);
+}
+
+TEST(FirMedian, LongKernelsAgreeWithSortingEveryWindow) {
+  std::mt19937 gen(7);
+  std::uniform_int_distribution<int> d(-50, 50);
+  std::vector<double> x(3000);
+  for (double& v : x) v = d(gen) * 0.5;
+  for (auto [l, r] : {std::pair{200, 200}, {500, 37}, {0, 999}, {1200, 1}}) {
+    jqrt::Array<double> y(x);
+    ASSERT_EQ(MedianFilter81_H(y.h(), l, r), 0);
+    std::vector<double> w(l + 1 + r);
+    for (size_t k = 0; k < x.size(); k += 97) {
+      for (int i = 0; i < l + 1 + r; ++i) {
+        const long j = static_cast<long>(k) - l + i;
+        w[i] = j < 0 || j >= static_cast<long>(x.size()) ? 0.0 : x[j];
+      }
+      std::sort(w.begin(), w.end());
+      const size_t m = w.size();
+      EXPECT_EQ(y[k], m % 2 ? w[m / 2] : (w[m / 2 - 1] + w[m / 2]) / 2) << "l " << l << " r " << r << " k " << k;
+    }
+  }
+}
+
+TEST(FirMedian, Rejections) {
+  std::vector<Rejection> cases = {
+      {"right rank equal to the length", -20008, [](uint8_t** x) { return MedianFilter81_H(x, 1, 3); }},
+      {"empty", -20003, [](uint8_t** x) { return MedianFilter81_H(jqtest::with_count(x, 0), 1, 1); }},
+      {"negative count", -20003, [](uint8_t** x) { return MedianFilter81_H(jqtest::with_count(x, -7), 1, 1); }},
+      {"negative left rank", -20004, [](uint8_t** x) { return MedianFilter81_H(x, -2, 1); }},
+      {"in/out form, rank too long", -20008,
+       [](uint8_t** x) {
+         int32_t rank = 3, error = 0;
+         return jqtest::reported(MedianFilterCIN(x, &rank, &error), error);
+       }},
+      {"in/out form, negative rank", -20004,
+       [](uint8_t** x) {
+         int32_t rank = -1, error = 0;
+         return jqtest::reported(MedianFilterCIN(x, &rank, &error), error);
+       }},
+      {"failed scratch", -20001, [](uint8_t** x) {
+         jq::fail_scratch_allocation(1);
+         const int32_t r = MedianFilter81_H(x, 1, 1);
+         jq::fail_scratch_allocation(0);
+         return r;
+       }}};
+  jqtest::expect_rejections<double>(cases);
+}
+
+TEST(FirMultirate, MatchesLfilterAndUpfirdnInBlocksOrWhole) {
+  check_multirate_oracle<double>(1e-13);
+  check_multirate_oracle<cd>(1e-13);
+  check_multirate_oracle<float>(1e-5);
+  check_multirate_oracle<cf>(1e-5);
+}
+
+TEST(FirMultirate, StateAndPhaseCarryOnAndResetStartsOver) {
+  jqrt::Array<double> x{1, 2, 3, 4, 5}, h{1, 1, 1}, y, state{9, 9};
+  int32_t count = 0, phase = 0;
+  // Without reset the given history is used: y[0] = 9 + 9 + 1.
+  ASSERT_EQ(ppMultiRateFIRH_DBL(x.h(), y.h(), state.h(), h.h(), 0, 0, 0, 0, &count, &phase), 0);
+  EXPECT_EQ(y.values(), (std::vector<double>{19, 12, 6, 9, 12}));
+  EXPECT_EQ(state.values(), (std::vector<double>{4, 5}));
+  EXPECT_EQ(phase, 0);
+  ASSERT_EQ(ppMultiRateFIRH_DBL(x.h(), y.h(), state.h(), h.h(), 0, 0, 0, 1, &count, &phase), 0);
+  EXPECT_EQ(y.values(), (std::vector<double>{1, 3, 6, 9, 12}));
+  // Decimating by 2 from phase 1 skips the first input; the phase carries.
+  jqrt::Array<double> one{1}, no_history;
+  phase = 1;
+  ASSERT_EQ(ppMultiRateFIRH_DBL(x.h(), y.h(), no_history.h(), one.h(), 1, 2, 0, 0, &count, &phase), 0);
+  EXPECT_EQ(y.values(), (std::vector<double>{2, 4}));
+  EXPECT_EQ(phase, 0);
+  // The same handle as input and output.
+  ASSERT_EQ(ppMultiRateFIRH_DBL(x.h(), x.h(), state.h(), h.h(), 0, 0, 0, 1, &count, &phase), 0);
+  EXPECT_EQ(x.values(), (std::vector<double>{1, 3, 6, 9, 12}));
+}
+
+TEST(FirMultirate, RejectionsEmptyOutputStateAndCounts) {
+  jqrt::Array<double> h{1, 2, 3}, none, x{1, 2, 3, 4};
+  struct Bad {
+    const char* what;
+    int32_t code, mode, down, up;
+    bool no_taps, no_input;
+    int32_t fail;
+  };
+  std::vector<Rejection> cases;
+  for (Bad b : {Bad{"mode", -20061, 4, 1, 1, false, false, 0}, Bad{"negative mode", -20061, -1, 1, 1, false, false, 0},
+                Bad{"decimation 0", -20021, 1, 0, 5, false, false, 0},
+                Bad{"interpolation negative", -20021, 3, 2, -1, false, false, 0},
+                Bad{"huge factor", -20010, 2, 0, 2147483647, false, false, 0},
+                Bad{"no taps", -20003, 0, 1, 1, true, false, 0}, Bad{"no input", -20003, 0, 1, 1, false, true, 0},
+                Bad{"state resize fails", -20001, 0, 1, 1, false, false, 1},
+                Bad{"output resize fails", -20001, 0, 1, 1, false, false, 2}})
+    cases.push_back({b.what, b.code, [&, b](uint8_t** state) {
+                       jqrt::Array<double> y(5);
+                       int32_t count = 7, phase = 1;
+                       const int32_t r = ppMultiRateFIRH_DBL(b.no_input ? none.h() : x.h(), y.h(), state,
+                                                             b.no_taps ? none.h() : h.h(), b.mode, b.down, b.up, 0,
+                                                             &count, &phase);
+                       // Every output is cleared, not just the state checked by the table.
+                       return y.size() == 0 && count == 0 && phase == 0 ? r : 1;
+                     },
+                     b.fail});
+  jqtest::expect_rejections<double>(cases);
+  jqtest::expect_rejections<cf>({{"single-precision complex, no taps", -20003, [&](uint8_t** state) {
+                                    jqrt::Array<cf> in{cf(1, 2)}, y;
+                                    int32_t count, phase;
+                                    return ppMultiRateFIRH_CSG(in.h(), y.h(), state, none.h(), 0, 1, 1, 0, &count,
+                                                               &phase);
+                                  }}});
+}
