@@ -87,6 +87,28 @@ for mode, up, down, k, n, cx in [(0, 1, 1, 101, 500, False), (0, 1, 1, 7, 40, Tr
     multirate.append((mode, up, down, k, n, cx, len(y), arr(f"mr_h{i}", h), arr(f"mr_x{i}", parts(x)),
                       arr(f"mr_y{i}", parts(y))))
 
+# ---- equiripple designs -----------------------------------------------------
+REMEZ_TYPES = {0: "bandpass", 1: "differentiator", 2: "hilbert"}
+remez = []
+for fs, n, t, bands in [
+        (1.0, 31, 0, [(1, 0, 0.2, 1), (0, 0.25, 0.5, 1)]),
+        (1.0, 32, 0, [(1, 0, 0.2, 1), (0, 0.3, 0.5, 10)]),
+        (48000.0, 65, 0, [(0, 0, 4000, 1), (1, 5000, 10000, 1), (0, 11000, 24000, 1)]),
+        (2.0, 41, 0, [(0, 0, 0.4, 1), (1, 0.5, 1.0, 1)]),
+        (1.0, 101, 0, [(0, 0, 0.1, 2), (1, 0.13, 0.2, 1), (0.5, 0.23, 0.3, 1), (0, 0.33, 0.4, 3),
+                       (1, 0.43, 0.5, 1)]),
+        (1000.0, 201, 0, [(1, 0, 100, 1), (0, 110, 500, 1)]),
+        (1.0, 31, 1, [(1, 0, 0.4, 1)]),
+        (1.0, 30, 1, [(1, 0, 0.5, 1)]),
+        (1.0, 31, 2, [(1, 0.05, 0.45, 1)]),
+        (1.0, 30, 2, [(1, 0.05, 0.5, 1)]),
+        (1.0, 5, 0, [(1, 0, 0.1, 1), (0, 0.3, 0.5, 1)])]:
+    edges = [e for b in bands for e in b[1:3]]
+    h = signal.remez(n, edges, [b[0] for b in bands], weight=[b[3] for b in bands], fs=fs,
+                     type=REMEZ_TYPES[t], maxiter=100, grid_density=16)
+    remez.append((fs, n, t, len(bands), arr(f"remez_bands{len(remez)}", bands), arr(f"remez_h{len(remez)}", h)))
+
+
 header()
 print("\n".join(out))
 print("struct IdealCase { double fs, fl, fh; int32_t n, type; const double* h; };")
@@ -106,5 +128,11 @@ print("inline constexpr MultirateCase kMultirate[] = {")
 for c in multirate:
     mode, up, down, k, n, cx, cnt, h, x, y = c
     print(f"  {{{mode}, {up}, {down}, {k}, {n}, {'true' if cx else 'false'}, {cnt}, {h}, {x}, {y}}},")
+print("};")
+print("// Bands are rows of (desired, lower edge, upper edge, weight).")
+print("struct RemezCase { double fs; int32_t n, type, bands; const double* band; const double* h; };")
+print("inline constexpr RemezCase kRemez[] = {")
+for fs, n, t, nb, b, h in remez:
+    print(f"  {{{float(fs).hex()}, {n}, {t}, {nb}, {b}, {h}}},")
 print("};")
 print("}  // namespace oracle")

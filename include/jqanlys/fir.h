@@ -10,6 +10,15 @@
 extern "C" {
 #endif
 
+/* Equiripple (Parks-McClellan) design of *taps coefficients. Each row of
+ * `bands` is one band: desired amplitude, lower edge, upper edge (in the
+ * units of *fs) and weight. Type 0 multiband (the bands must span 0 to
+ * fs/2), 1 differentiator (desired value = slope), 2 Hilbert transformer.
+ * *iterations below 1 means 100. *deviation receives the achieved weighted
+ * deviation, also when the exchange ran out of iterations (-20031); it is
+ * NaN otherwise on failure. Returns 2 when the design ran out of memory. */
+JQ_API int32_t Parks(JQ_IN int32_t* taps, JQ_IN double* fs, JQ_IN JQMatF64 bands, JQ_IN int32_t* type, JQ_OUT JQArrF64 coefficients, JQ_OUT double* deviation, JQ_IN int32_t* iterations, JQ_OUT int32_t* error);
+
 /* Ideal response truncated to *taps samples, without a taper. Filter type
  * 0 lowpass (cut-off fl), 1 highpass (fl), 2 bandpass, 3 bandstop (fl, fh);
  * the type is clamped into 0..3 and written back. Highpass and bandstop need

@@ -1,6 +1,7 @@
 // FIR design, FIR and multirate filtering, least-squares smoothing and the
 // running median.
 #include <algorithm>
+#include <cmath>
 #include <limits>
 
 #include "filters/fir.hpp"
@@ -77,6 +78,37 @@ int32_t multirate_export(JQHandle x, JQHandle y, JQHandle state, JQHandle coeffi
 }
 
 }  // namespace
+
+JQ_EXPORT int32_t Parks(int32_t* taps, double* fs, JQHandle bands, int32_t* type, JQHandle coefficients,
+                        double* deviation, int32_t* iterations, int32_t* error) {
+  // The band records are the rows of a matrix of four columns.
+  Array2<const double> b(bands);
+  const int32_t nb = b.cols() == 4 && b.rows() > 0 ? b.rows() : 0;
+  const auto* records = reinterpret_cast<const fir::Band*>(b.data());
+  Out<double> c(coefficients);
+  Outputs outs(c);
+  if (error) *error = kOk;
+  const double rate = value_of(fs);
+  bool infinite = std::isinf(rate);
+  for (int32_t i = 0; i < nb * 4; ++i) infinite = infinite || std::isinf(b.data()[i]);
+  auto fail = [&](int32_t code) {
+    if (deviation) *deviation = std::numeric_limits<double>::quiet_NaN();
+    return outs.report(code, error);
+  };
+  if (infinite) return fail(kDesignFailed);
+  if (deviation) *deviation = std::numeric_limits<double>::quiet_NaN();
+  const int32_t n = value_of(taps, 0);
+  if (n < 1) return fail(kBadOrder);
+  if (nb < 1) return fail(kBadEdges);
+  if (!outs.size(c, n)) return fail(kNoMemory);
+  double achieved = std::numeric_limits<double>::quiet_NaN();
+  const int32_t code =
+      fir::remez(n, rate, records, nb, value_of(type, 0), value_of(iterations, 0), c.data(), &achieved);
+  // The achieved deviation is reported also when the exchange ran out of iterations.
+  if (deviation) *deviation = achieved;
+  outs.report(code, error);
+  return code == kNoMemory ? 2 : 0;
+}
 
 JQ_EXPORT int32_t FIRCoefs(double* fs, double* fl, double* fh, int32_t* taps, JQHandle coefficients, int32_t* type,
                            int32_t* error) {

@@ -84,6 +84,116 @@ template <class S> void check_multirate_oracle(double tolerance) {
 
 }  // namespace
 
+// Calls Parks with band rows; returns the code and fills h and the deviation.
+int32_t parks(int32_t n, double fs, const std::vector<std::vector<double>>& bands, int32_t type, int32_t limit,
+              jqrt::Array<double>& h, double* deviation) {
+  jqrt::Array2<double> b = jqrt::Array2<double>::rows(bands);
+  int32_t error = 1;
+  const int32_t r = Parks(&n, &fs, b.h(), &type, h.h(), deviation, &limit, &error);
+  return jqtest::reported(r, error);
+}
+
+TEST(FirRemez, ConvergesOnScipysDesigns) {
+  for (const oracle::RemezCase& c : oracle::kRemez) {
+    SCOPED_TRACE(testing::Message() << "taps " << c.n << " type " << c.type << " bands " << c.bands);
+    std::vector<std::vector<double>> bands;
+    for (int i = 0; i < c.bands; ++i) bands.emplace_back(c.band + 4 * i, c.band + 4 * i + 4);
+    jqrt::Array<double> h;
+    double dev = 0;
+    ASSERT_EQ(parks(c.n, c.fs, bands, c.type, 0, h, &dev), 0);
+    ASSERT_EQ(h.size(), c.n);
+    for (int i = 0; i < c.n; ++i) EXPECT_NEAR(h[i], c.h[i], 1e-9) << "tap " << i;
+    // Equiripple: the largest weighted error over the bands is the reported
+    // deviation (up to the grid's resolution).
+    double worst = 0;
+    for (const auto& b : bands)
+      for (int g = 0; g <= 400; ++g) {
+        const double f = (b[1] + (b[2] - b[1]) * g / 400) / c.fs;
+        std::complex<double> resp = 0;
+        for (int i = 0; i < c.n; ++i) resp += h[i] * std::polar(1.0, -2 * M_PI * f * (i - (c.n - 1) / 2.0));
+        // Antisymmetric designs are judged by magnitude; their phase is a quarter turn.
+        const double amp = c.type == 0 ? resp.real() : std::abs(resp);
+        const double want = c.type == 1 ? b[0] * f : b[0];
+        const double weight = c.type == 1 && b[0] >= 1e-4 ? b[3] / f : b[3];
+        // The grid of the antisymmetric designs starts above 0, and the Hilbert
+        // band edges are not part of the ripple.
+        if ((c.type == 1 && f < 0.01) || (c.type == 2 && (f < 0.06 || f > 0.44))) continue;
+        worst = std::max(worst, std::fabs(amp - want) * weight);
+      }
+    EXPECT_NEAR(worst, dev, 0.05 * dev);
+  }
+}
+
+TEST(FirRemez, ValidationOrderAndCodes) {
+  using B = std::vector<std::vector<double>>;
+  const B lowpass{{1, 0, 100, 1}, {0, 150, 500, 1}};
+  struct Bad {
+    const char* what;
+    int32_t n;
+    double fs;
+    B bands;
+    int32_t type, code;
+  };
+  const double inf = INFINITY;
+  std::vector<Bad> bad = {
+      {"infinite fs before the tap count", 0, inf, lowpass, 0, -20031},
+      {"infinite band value", 31, 1000, {{1, 0, 100, 1}, {0, 150, 500, inf}}, 0, -20031},
+      {"no taps", 0, 1000, lowpass, 0, -20021},
+      {"no bands", 31, 1000, {}, 0, -20023},
+      {"two taps", 2, 1000, lowpass, 0, -20031},
+      {"NaN fs", 31, nan(), lowpass, 0, -20031},
+      {"zero fs", 31, 0, lowpass, 0, -20023},
+      {"NaN edge", 31, 1000, {{1, 0, nan(), 1}, {0, 150, 500, 1}}, 0, -20031},
+      {"negative edge", 31, 1000, {{1, -1, 100, 1}, {0, 150, 500, 1}}, 0, -20023},
+      {"zero weight", 31, 1000, {{1, 0, 100, 0}, {0, 150, 500, 1}}, 0, -20023},
+      {"NaN desired", 31, 1000, {{nan(), 0, 100, 1}, {0, 150, 500, 1}}, 0, -20031},
+      {"negative desired", 31, 1000, {{-1, 0, 100, 1}, {0, 150, 500, 1}}, 0, -20023},
+      {"above Nyquist", 31, 1000, {{1, 0, 100, 1}, {0, 150, 501, 1}}, 0, -20020},
+      {"edges not increasing", 31, 1000, {{1, 0, 200, 1}, {0, 150, 500, 1}}, 0, -20023},
+      {"band of zero width", 31, 1000, {{1, 0, 100, 1}, {0, 100, 500, 1}}, 0, -20023},
+      {"multiband not from 0", 31, 1000, {{1, 10, 100, 1}, {0, 150, 500, 1}}, 0, -20031},
+      {"multiband 0.002 short of Nyquist", 31, 1000, {{1, 0, 100, 1}, {0, 150, 499.998, 1}}, 0, -20031},
+      {"even multiband, last band passes", 30, 1000, {{0, 0, 100, 1}, {1, 150, 500, 1}}, 0, -20033},
+      {"differentiator not from 0", 31, 1000, {{1, 5, 400, 1}}, 1, -20031},
+      {"even differentiator short of Nyquist", 30, 1000, {{1, 0, 400, 1}}, 1, -20031},
+      {"odd differentiator near Nyquist", 31, 1000, {{1, 0, 499.995, 1}}, 1, -20031},
+      {"Hilbert from 0", 31, 1000, {{1, 0, 400, 1}}, 2, -20031},
+      {"even Hilbert short of Nyquist", 30, 1000, {{1, 10, 400, 1}}, 2, -20031},
+      {"odd Hilbert at Nyquist", 31, 1000, {{1, 10, 499.9995, 1}}, 2, -20031},
+      {"unknown type", 31, 1000, lowpass, 3, -20061},
+      {"too many functions", 4092, 1000, lowpass, 0, -20001},
+  };
+  std::vector<Rejection> cases;
+  for (const Bad& b : bad)
+    cases.push_back({b.what, b.code, [b](uint8_t** out) {
+                       jqrt::Array2<double> bands = jqrt::Array2<double>::rows(b.bands);
+                       int32_t n = b.n, type = b.type, limit = 0, error = 0;
+                       double fs = b.fs, dev = 0;
+                       const int32_t r = Parks(&n, &fs, bands.h(), &type, out, &dev, &limit, &error);
+                       if (!std::isnan(dev)) return 1;
+                       // Only a design that ran out of memory makes the result 2.
+                       return b.code == -20001 ? (r == 2 ? error : 1) : jqtest::reported(r, error);
+                     }});
+  cases.push_back({"resize fails", -20001,
+                   [&](uint8_t** out) {
+                     jqrt::Array2<double> bands = jqrt::Array2<double>::rows(lowpass);
+                     int32_t n = 31, type = 0, limit = 0, error = 0;
+                     double fs = 1000, dev = 0;
+                     return jqtest::reported(Parks(&n, &fs, bands.h(), &type, out, &dev, &limit, &error), error);
+                   },
+                   1});
+  jqtest::expect_rejections<double>(cases);
+
+  // Half a millihertz short of Nyquist counts as reaching it.
+  jqrt::Array<double> h;
+  double dev = 0;
+  EXPECT_EQ(parks(31, 1000, {{1, 0, 100, 1}, {0, 150, 499.9995, 1}}, 0, 0, h, &dev), 0);
+  // An iteration limit that runs out reports -20031 with the deviation reached.
+  EXPECT_EQ(parks(101, 1000, {{1, 0, 100, 1}, {0, 110, 500, 1}}, 0, 1, h, &dev), -20031);
+  EXPECT_EQ(h.size(), 0);
+  EXPECT_GT(dev, 0);
+}
+
 TEST(FirIdeal, MatchesTheTruncatedIdealResponse) {
   for (const oracle::IdealCase& c : oracle::kIdeal) {
     SCOPED_TRACE(testing::Message() << "type " << c.type << " n " << c.n << " fl " << c.fl);
