@@ -11,8 +11,12 @@ Run with the system python (which sees numpy and scipy):
 - multirate filtering: scipy.signal.lfilter for plain filtering, and the
   leading outputs of scipy.signal.upfirdn otherwise;
 - equiripple designs: scipy.signal.remez;
-- smoothing: scipy.signal.savgol_coeffs and savgol_filter (mode 'interp').
+- smoothing: the exact (rational) least-squares projector, checked here
+  against scipy.signal.savgol_coeffs and savgol_filter (mode 'interp')
+  where those are well conditioned.
 """
+from fractions import Fraction
+
 import numpy as np
 import scipy
 from scipy import signal
@@ -108,6 +112,44 @@ for fs, n, t, bands in [
                      type=REMEZ_TYPES[t], maxiter=100, grid_density=16)
     remez.append((fs, n, t, len(bands), arr(f"remez_bands{len(remez)}", bands), arr(f"remez_h{len(remez)}", h)))
 
+# ---- smoothing -------------------------------------------------------------
+def projector_rows(m, p):
+    """Exact least-squares projector onto degree-p polynomials over the points
+    -m..m, in rationals: row e gives the fitted value at point e."""
+    pts = range(-m, m + 1)
+    A = [[Fraction(t) ** j for j in range(p + 1)] for t in pts]
+    k = p + 1
+    M = [[sum(r[a] * r[b] for r in A) for b in range(k)] + [Fraction(int(a == c)) for c in range(k)]
+         for a in range(k)]
+    for c in range(k):  # Gauss-Jordan inverse of the normal matrix
+        piv = next(r for r in range(c, k) if M[r][c] != 0)
+        M[c], M[piv] = M[piv], M[c]
+        M[c] = [v / M[c][c] for v in M[c]]
+        for r in range(k):
+            if r != c and M[r][c] != 0:
+                f = M[r][c]
+                M[r] = [a - f * b for a, b in zip(M[r], M[c])]
+    G = [row[k:] for row in M]
+    GA = [[sum(G[a][b] * A[i][b] for b in range(k)) for i in range(len(A))] for a in range(k)]
+    return np.array([[float(sum(A[e][a] * GA[a][i] for a in range(k))) for i in range(len(A))]
+                     for e in range(len(A))])
+
+
+savgol = []
+for m, p, n in [(2, 2, 30), (5, 3, 64), (12, 4, 100), (3, 0, 20), (4, 8, 9), (25, 6, 200), (1, 1, 3),
+                (40, 10, 81)]:
+    x = np.cumsum(rng.normal(size=n))
+    P = projector_rows(m, p)
+    w = 2 * m + 1
+    y = np.array([P[m] @ x[t - m:t + m + 1] for t in range(m, n - m)])
+    y = np.concatenate([P[:m] @ x[:w], y, P[m + 1:] @ x[n - w:]])
+    # scipy agrees where its monomial least squares is well conditioned; for
+    # 81 points of degree 10 it is not (its weights do not even sum to 1).
+    if (m, p) != (40, 10):
+        assert np.allclose(signal.savgol_coeffs(w, p), P[m], atol=1e-8)
+        assert np.allclose(signal.savgol_filter(x, w, p, mode="interp"), y, atol=1e-8)
+    i = len(savgol)
+    savgol.append((m, p, n, arr(f"sg_c{i}", P[m]), arr(f"sg_x{i}", x), arr(f"sg_y{i}", y)))
 
 header()
 print("\n".join(out))
@@ -134,5 +176,10 @@ print("struct RemezCase { double fs; int32_t n, type, bands; const double* band;
 print("inline constexpr RemezCase kRemez[] = {")
 for fs, n, t, nb, b, h in remez:
     print(f"  {{{float(fs).hex()}, {n}, {t}, {nb}, {b}, {h}}},")
+print("};")
+print("struct SavgolCase { int32_t m, p, n; const double* c; const double* x; const double* y; };")
+print("inline constexpr SavgolCase kSavgol[] = {")
+for m, p, n, c, x, y in savgol:
+    print(f"  {{{m}, {p}, {n}, {c}, {x}, {y}}},")
 print("};")
 print("}  // namespace oracle")

@@ -49,6 +49,15 @@ JQ_API int32_t ppMultiRateFIRH_SGL(JQ_IN JQArrF32 x, JQ_OUT JQArrF32 y, JQ_INOUT
 JQ_API int32_t ppMultiRateFIRH_CDB(JQ_IN JQArrC128 x, JQ_OUT JQArrC128 y, JQ_INOUT JQArrC128 state, JQ_IN JQArrF64 coefficients, int32_t mode, int32_t decimation, int32_t interpolation, uint8_t reset, JQ_OUT int32_t* count, JQ_INOUT int32_t* phase);
 JQ_API int32_t ppMultiRateFIRH_CSG(JQ_IN JQArrC64 x, JQ_OUT JQArrC64 y, JQ_INOUT JQArrC64 state, JQ_IN JQArrF64 coefficients, int32_t mode, int32_t decimation, int32_t interpolation, uint8_t reset, JQ_OUT int32_t* count, JQ_INOUT int32_t* phase);
 
+/* Savitzky-Golay smoothing with polynomials of degree `order` over windows of
+ * 2 * side_points + 1 samples (the order must be below the window length).
+ * SavitzkyGolayCoefH gives the weights that produce the smoothed centre
+ * sample. SavitzkyGolayFiltH smooths the signal in place; its first and last
+ * side_points samples are the polynomials fitted to the first and the last
+ * window, and the signal must be at least one window long (-20008). */
+JQ_API int32_t SavitzkyGolayCoefH(int32_t side_points, int32_t order, JQ_OUT JQArrF64 coefficients);
+JQ_API int32_t SavitzkyGolayFiltH(JQ_INOUT JQArrF64 x, int32_t side_points, int32_t order);
+
 #ifdef __cplusplus
 }
 #endif

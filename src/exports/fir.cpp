@@ -142,3 +142,23 @@ JQ_MULTIRATE(ppMultiRateFIRH_DBL, double)
 JQ_MULTIRATE(ppMultiRateFIRH_SGL, float)
 JQ_MULTIRATE(ppMultiRateFIRH_CDB, cdouble)
 JQ_MULTIRATE(ppMultiRateFIRH_CSG, cfloat)
+
+JQ_EXPORT int32_t SavitzkyGolayCoefH(int32_t side_points, int32_t order, JQHandle coefficients) {
+  Out<double> c(coefficients);
+  Outputs outs(c);
+  if (int32_t code = fir::savgol_check(side_points, order)) return outs.fail(code);
+  if (!outs.size(c, 2 * side_points + 1)) return outs.fail(kNoMemory);
+  return outs.finish(fir::savgol_coefficients(side_points, order, c.data()));
+}
+
+JQ_EXPORT int32_t SavitzkyGolayFiltH(JQHandle x, int32_t side_points, int32_t order) {
+  Array1<double> s(x);
+  Out<double> o(x);
+  Outputs outs(o);
+  if (s.empty()) return outs.fail(kEmptyInput);
+  // The smoothing reads the original samples while the output is written.
+  Scratch<double> copy;
+  if (copy.allocate(s.size()) != kOk) return outs.fail(kNoMemory);
+  std::copy(s.data(), s.data() + s.size(), copy.data());
+  return outs.finish(fir::savgol_filter(copy.data(), s.size(), side_points, order, s.data()));
+}

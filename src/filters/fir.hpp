@@ -46,6 +46,10 @@ int64_t history_length(int32_t k, int32_t up);
 int64_t output_count(int64_t n, int32_t up, int32_t down, int32_t phase);
 int32_t next_phase(int64_t n, int32_t up, int32_t down, int32_t phase);
 
+// y[d] = sum over j of hr[j] * e[d + stride * j] for d in [0, count), the
+// sum taken in j order from 0 (vectorised across d).
+void correlate(const double* e, int64_t count, const double* hr, int32_t k, int stride, double* y);
+
 // S is double, float, cdouble or cfloat. The history is read and then
 // replaced by its continuation; y receives output_count(...) samples.
 template <class S>

@@ -80,10 +80,6 @@ __attribute__((target("avx2"))) void correlate_avx2(const double* e, int64_t cou
   correlate_body(e, count, hr, k, stride, y);
 }
 
-void correlate(const double* e, int64_t count, const double* hr, int32_t k, int stride, double* y) {
-  static const bool avx2 = __builtin_cpu_supports("avx2");
-  (avx2 ? correlate_avx2 : correlate_baseline)(e, count, hr, k, stride, y);
-}
 
 template <class S> inline void to_parts(const S* s, int64_t n, double* d) {
   const auto* p = reinterpret_cast<const typename Parts<S>::T*>(s);
@@ -96,6 +92,11 @@ template <class S> inline void from_parts(const double* d, int64_t n, S* s) {
 }
 
 }  // namespace
+
+void correlate(const double* e, int64_t count, const double* hr, int32_t k, int stride, double* y) {
+  static const bool avx2 = __builtin_cpu_supports("avx2");
+  (avx2 ? correlate_avx2 : correlate_baseline)(e, count, hr, k, stride, y);
+}
 
 int64_t history_length(int32_t k, int32_t up) { return k < 1 || up < 1 ? 0 : (int64_t{k} - 1) / up; }
 

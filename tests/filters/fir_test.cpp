@@ -389,3 +389,54 @@ TEST(FirMultirate, RejectionsEmptyOutputStateAndCounts) {
                                                                &phase);
                                   }}});
 }
+
+TEST(FirSavgol, MatchesSavgolCoeffsAndFilter) {
+  for (const oracle::SavgolCase& c : oracle::kSavgol) {
+    SCOPED_TRACE(testing::Message() << "m " << c.m << " p " << c.p << " n " << c.n);
+    jqrt::Array<double> w;
+    ASSERT_EQ(SavitzkyGolayCoefH(c.m, c.p, w.h()), 0);
+    ASSERT_EQ(w.size(), 2 * c.m + 1);
+    for (int i = 0; i < w.size(); ++i) EXPECT_NEAR(w[i], c.c[i], 1e-13) << "weight " << i;
+    jqrt::Array<double> x(std::vector<double>(c.x, c.x + c.n));
+    ASSERT_EQ(SavitzkyGolayFiltH(x.h(), c.m, c.p), 0);
+    ASSERT_EQ(x.size(), c.n);
+    for (int i = 0; i < c.n; ++i) EXPECT_NEAR(x[i], c.y[i], 1e-11 * (1 + std::fabs(c.y[i]))) << "sample " << i;
+  }
+}
+
+TEST(FirSavgol, KeepsPolynomialsOfItsOrderEdgesIncluded) {
+  // A long window of high order: the fit must reproduce the cubic exactly.
+  std::vector<double> cubic(400);
+  for (int i = 0; i < 400; ++i) {
+    const double t = i / 100.0 - 2;
+    cubic[i] = 0.5 * t * t * t - t + 3;
+  }
+  for (auto [m, p] : {std::pair{50, 3}, {150, 12}, {7, 5}}) {
+    jqrt::Array<double> x(cubic);
+    ASSERT_EQ(SavitzkyGolayFiltH(x.h(), m, p), 0);
+    for (int i = 0; i < 400; ++i) EXPECT_NEAR(x[i], cubic[i], 1e-10) << "m " << m << " p " << p << " i " << i;
+  }
+  // Window 1 is the identity.
+  jqrt::Array<double> x{1, 5, -2};
+  ASSERT_EQ(SavitzkyGolayFiltH(x.h(), 0, 0), 0);
+  EXPECT_EQ(x.values(), (std::vector<double>{1, 5, -2}));
+}
+
+TEST(FirSavgol, Rejections) {
+  std::vector<Rejection> cases = {
+      {"negative side points", -20004, [](uint8_t** c) { return SavitzkyGolayCoefH(-1, 0, c); }},
+      {"window too long", -20010, [](uint8_t** c) { return SavitzkyGolayCoefH(2147483647, 2, c); }},
+      {"negative order", -20004, [](uint8_t** c) { return SavitzkyGolayCoefH(3, -1, c); }},
+      {"order not below the window", -20061, [](uint8_t** c) { return SavitzkyGolayCoefH(3, 7, c); }},
+      {"coefficient resize fails", -20001, [](uint8_t** c) { return SavitzkyGolayCoefH(3, 2, c); }, 1},
+      {"empty signal", -20003, [](uint8_t** x) { return SavitzkyGolayFiltH(jqtest::with_count(x, 0), 1, 1); }},
+      {"signal shorter than the window", -20008, [](uint8_t** x) { return SavitzkyGolayFiltH(x, 2, 1); }},
+      {"filter, bad order", -20061, [](uint8_t** x) { return SavitzkyGolayFiltH(x, 1, 3); }},
+      {"failed scratch", -20001, [](uint8_t** x) {
+         jq::fail_scratch_allocation(2);
+         const int32_t r = SavitzkyGolayFiltH(x, 1, 1);
+         jq::fail_scratch_allocation(0);
+         return r;
+       }}};
+  jqtest::expect_rejections<double>(cases);
+}
