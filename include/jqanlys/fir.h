@@ -25,6 +25,19 @@ JQ_API int32_t Parks(JQ_IN int32_t* taps, JQ_IN double* fs, JQ_IN JQMatF64 bands
  * an odd number of taps. */
 JQ_API int32_t FIRCoefs(JQ_IN double* fs, JQ_IN double* fl, JQ_IN double* fh, JQ_IN int32_t* taps, JQ_OUT JQArrF64 coefficients, JQ_INOUT int32_t* type, JQ_OUT int32_t* error);
 
+/* Narrowband interpolated design: a model filter meant to run with its taps
+ * *factor samples apart, and an interpolator that removes the model's
+ * images; together a lowpass (type 0, passband < stopband) or highpass
+ * (type 1, passband > stopband) with the given edges, passband deviation
+ * *ripple (linear, in (0, 1)) and stopband attenuation in dB. Both are
+ * equiripple designs of odd length. A *factor below 1 is chosen to make the
+ * two filters shortest; the factor used is written back. */
+JQ_API int32_t FIRNarrowCoef_head(JQ_IN double* fs, JQ_IN double* passband, JQ_IN double* stopband, JQ_IN double* ripple, JQ_IN double* attenuation, JQ_IN int32_t* type, JQ_INOUT int32_t* factor, JQ_OUT JQArrF64 model, JQ_OUT JQArrF64 interpolator, JQ_OUT int32_t* error);
+/* The signal through that narrowband design, in place, starting from rest
+ * (the output has the input's length). The complex form filters both parts. */
+JQ_API int32_t FIRnarrowFilter_head(JQ_INOUT JQArrF64 x, JQ_IN double* fs, JQ_IN double* passband, JQ_IN double* stopband, JQ_IN double* ripple, JQ_IN double* attenuation, JQ_IN int32_t* type, JQ_INOUT int32_t* factor, JQ_OUT int32_t* error);
+JQ_API int32_t CxSigFIRnarrowFilter_head(JQ_INOUT JQArrC128 x, JQ_IN double* fs, JQ_IN double* passband, JQ_IN double* stopband, JQ_IN double* ripple, JQ_IN double* attenuation, JQ_IN int32_t* type, JQ_INOUT int32_t* factor, JQ_OUT int32_t* error);
+
 /* Running median over rank samples on each side (MedianFilterCIN) or left
  * and right samples (MedianFilter81_H; a negative right rank means the left
  * one), samples outside the signal counting as zeros; in place. An even

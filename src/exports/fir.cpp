@@ -77,7 +77,59 @@ int32_t multirate_export(JQHandle x, JQHandle y, JQHandle state, JQHandle coeffi
   return code;
 }
 
+// The narrowband design from the exports' scalar arguments; the factor used
+// is written back.
+int32_t narrow(const double* fs, const double* fpass, const double* fstop, const double* ripple,
+               const double* attenuation, const int32_t* type, int32_t* factor, fir::Narrow* d) {
+  const int32_t code = fir::narrow_design(value_of(fs), value_of(fpass), value_of(fstop), value_of(ripple),
+                                          value_of(attenuation), value_of(type, 0), value_of(factor, 0), d);
+  if (code == kOk && factor) *factor = d->factor;
+  return code;
+}
+
+// A signal narrowband-filtered in place; the code goes to the error output.
+template <class S>
+int32_t narrow_filter_export(JQHandle x, const double* fs, const double* fpass, const double* fstop,
+                             const double* ripple, const double* attenuation, const int32_t* type, int32_t* factor,
+                             int32_t* error) {
+  Array1<S> s(x);
+  Out<S> o(x);
+  Outputs outs(o);
+  if (error) *error = kOk;
+  if (s.empty()) return outs.report(kEmptyInput, error);
+  fir::Narrow d;
+  int32_t code = narrow(fs, fpass, fstop, ripple, attenuation, type, factor, &d);
+  if (code == kOk) code = fir::narrow_filter(reinterpret_cast<double*>(s.data()), s.size(), sizeof(S) / 8, d);
+  return outs.report(code, error);
+}
+
 }  // namespace
+
+JQ_EXPORT int32_t FIRNarrowCoef_head(double* fs, double* passband, double* stopband, double* ripple,
+                                     double* attenuation, int32_t* type, int32_t* factor, JQHandle model,
+                                     JQHandle interpolator, int32_t* error) {
+  Out<double> m(model), i(interpolator);
+  Outputs outs(m, i);
+  if (error) *error = kOk;
+  fir::Narrow d;
+  if (int32_t code = narrow(fs, passband, stopband, ripple, attenuation, type, factor, &d))
+    return outs.report(code, error);
+  if (!outs.size(m, d.model_taps) || !outs.size(i, d.interpolator_taps)) return outs.report(kNoMemory, error);
+  std::copy(d.model.data(), d.model.data() + d.model_taps, m.data());
+  std::copy(d.interpolator.data(), d.interpolator.data() + d.interpolator_taps, i.data());
+  return outs.report(kOk, error);
+}
+
+JQ_EXPORT int32_t FIRnarrowFilter_head(JQHandle x, double* fs, double* passband, double* stopband, double* ripple,
+                                       double* attenuation, int32_t* type, int32_t* factor, int32_t* error) {
+  return narrow_filter_export<double>(x, fs, passband, stopband, ripple, attenuation, type, factor, error);
+}
+
+JQ_EXPORT int32_t CxSigFIRnarrowFilter_head(JQHandle x, double* fs, double* passband, double* stopband,
+                                            double* ripple, double* attenuation, int32_t* type, int32_t* factor,
+                                            int32_t* error) {
+  return narrow_filter_export<cdouble>(x, fs, passband, stopband, ripple, attenuation, type, factor, error);
+}
 
 JQ_EXPORT int32_t Parks(int32_t* taps, double* fs, JQHandle bands, int32_t* type, JQHandle coefficients,
                         double* deviation, int32_t* iterations, int32_t* error) {

@@ -5,6 +5,7 @@
 #include <cstdint>
 
 #include "frame/handles.hpp"
+#include "frame/scratch.hpp"
 
 namespace jq::fir {
 
@@ -26,6 +27,22 @@ struct Band {
 // |delta| whenever the exchange ran; a limit below 1 means 100 iterations.
 int32_t remez(int32_t n, double fs, const Band* bands, int32_t nbands, int32_t type, int32_t limit, double* h,
               double* deviation);
+
+// Narrowband interpolated design: a model filter run with its taps `factor`
+// samples apart, then an interpolator that removes the model's images.
+constexpr int32_t kNarrowMaxTaps = 4089;  // the longest odd equiripple design
+struct Narrow {
+  Scratch<double> model, interpolator;  // kNarrowMaxTaps each
+  int32_t model_taps = 0, interpolator_taps = 0, factor = 1;
+};
+// Type 0 lowpass, 1 highpass; ripple is the passband deviation (linear),
+// attenuation the stopband's in dB; a factor below 1 is chosen to shorten
+// the two filters most.
+int32_t narrow_design(double fs, double fpass, double fstop, double ripple, double attenuation, int32_t type,
+                      int32_t factor, Narrow* d);
+// Filters n samples of `parts` float64 each (1 real, 2 complex) in place,
+// from rest.
+int32_t narrow_filter(double* x, int32_t n, int parts, const Narrow& d);
 
 // Least-squares polynomial smoothing of order p over 2m+1 points.
 // Validation shared by the coefficient and the filter exports.

@@ -440,3 +440,125 @@ TEST(FirSavgol, Rejections) {
        }}};
   jqtest::expect_rejections<double>(cases);
 }
+
+namespace {
+
+// The cascade's impulse response: the model with its taps l apart,
+// convolved with the interpolator.
+std::vector<double> cascade(const std::vector<double>& g, const std::vector<double>& i, int l) {
+  std::vector<double> h((g.size() - 1) * l + i.size(), 0.0);
+  for (size_t a = 0; a < g.size(); ++a)
+    for (size_t b = 0; b < i.size(); ++b) h[a * l + b] += g[a] * i[b];
+  return h;
+}
+
+double gain(const std::vector<double>& h, double f) {
+  std::complex<double> s = 0;
+  for (size_t k = 0; k < h.size(); ++k) s += h[k] * std::polar(1.0, -2 * M_PI * f * k);
+  return std::abs(s);
+}
+
+}  // namespace
+
+TEST(FirNarrow, DesignMeetsItsBandsAndFilteringIsTheCascade) {
+  struct Spec {
+    double fs, fp, fst, ripple, att;
+    int32_t type, factor;
+  };
+  for (Spec sp : {Spec{1000, 20, 25, 0.01, 60, 0, 0}, Spec{48000, 1000, 1200, 0.02, 50, 0, 0},
+                  Spec{1000, 480, 475, 0.01, 60, 1, 0}, Spec{1000, 470, 460, 0.05, 40, 1, 3},
+                  Spec{1000, 50, 80, 0.01, 40, 0, 1}}) {
+    SCOPED_TRACE(testing::Message() << "fp " << sp.fp << " fst " << sp.fst << " type " << sp.type);
+    jqrt::Array<double> g, i;
+    int32_t type = sp.type, factor = sp.factor, error = 1;
+    ASSERT_EQ(FIRNarrowCoef_head(&sp.fs, &sp.fp, &sp.fst, &sp.ripple, &sp.att, &type, &factor, g.h(), i.h(), &error),
+              0);
+    ASSERT_EQ(error, 0);
+    if (sp.factor > 0) EXPECT_EQ(factor, sp.factor);
+    if (sp.factor == 0 && sp.fst - sp.fp < 10) EXPECT_GT(factor, 2) << "a narrow band is worth interpolating";
+    const std::vector<double> h = cascade(g.values(), i.values(), factor);
+    const double stop = std::pow(10.0, -sp.att / 20);
+    for (int k = 0; k <= 2000; ++k) {
+      const double f = sp.fs / 2 * k / 2000;
+      const bool pass = sp.type == 0 ? f <= sp.fp : f >= sp.fp;
+      const bool reject = sp.type == 0 ? f >= sp.fst : f <= sp.fst;
+      const double a = gain(h, f / sp.fs);
+      if (pass) EXPECT_NEAR(a, 1.0, sp.ripple * 1.001) << "f " << f;
+      if (reject) EXPECT_LE(a, stop * 1.001) << "f " << f;
+    }
+    // Filtering runs that cascade from rest, both parts of a complex signal alike.
+    std::mt19937 gen(3);
+    std::normal_distribution<double> nd;
+    std::vector<double> x(700);
+    std::vector<cd> z(700);
+    for (int k = 0; k < 700; ++k) {
+      x[k] = nd(gen);
+      z[k] = cd(x[k], 0.5 * x[k]);
+    }
+    jqrt::Array<double> y(x);
+    jqrt::Array<cd> yz(z);
+    int32_t f2 = factor;
+    ASSERT_EQ(FIRnarrowFilter_head(y.h(), &sp.fs, &sp.fp, &sp.fst, &sp.ripple, &sp.att, &type, &f2, &error), 0);
+    ASSERT_EQ(CxSigFIRnarrowFilter_head(yz.h(), &sp.fs, &sp.fp, &sp.fst, &sp.ripple, &sp.att, &type, &f2, &error), 0);
+    ASSERT_EQ(y.size(), 700);
+    for (int t = 0; t < 700; t += 7) {
+      double want = 0;
+      for (size_t k = 0; k < h.size() && k <= static_cast<size_t>(t); ++k) want += h[k] * x[t - k];
+      EXPECT_NEAR(y[t], want, 1e-12) << "t " << t;
+      EXPECT_EQ(yz[t].real(), y[t]);
+    }
+  }
+}
+
+TEST(FirNarrow, Rejections) {
+  struct Bad {
+    const char* what;
+    double fs, fp, fst, ripple, att;
+    int32_t type, factor, code;
+  };
+  std::vector<Rejection> cases;
+  for (Bad b : {Bad{"infinite fs", INFINITY, 20, 25, 0.01, 60, 0, 0, -20031},
+                Bad{"NaN edge", 1000, nan(), 25, 0.01, 60, 0, 0, -20031},
+                Bad{"zero passband", 1000, 0, 25, 0.01, 60, 0, 0, -20023},
+                Bad{"stopband at Nyquist", 1000, 20, 500, 0.01, 60, 0, 0, -20020},
+                Bad{"type", 1000, 20, 25, 0.01, 60, 2, 0, -20061},
+                Bad{"lowpass edges reversed", 1000, 25, 20, 0.01, 60, 0, 0, -20023},
+                Bad{"highpass edges reversed", 1000, 20, 25, 0.01, 60, 1, 0, -20023},
+                Bad{"ripple 1", 1000, 20, 25, 1, 60, 0, 0, -20053},
+                Bad{"no attenuation", 1000, 20, 25, 0.01, 0, 0, 0, -20140},
+                Bad{"factor too large", 1000, 20, 25, 0.01, 60, 0, 50, -20061},
+                Bad{"beyond the longest design", 1000, 100, 100.01, 0.001, 120, 0, 1, -20031}}) {
+    cases.push_back({b.what, b.code, [b](uint8_t** out) {
+                       jqrt::Array<double> other(4);
+                       Bad c = b;
+                       int32_t error = 0;
+                       const int32_t r = FIRNarrowCoef_head(&c.fs, &c.fp, &c.fst, &c.ripple, &c.att, &c.type,
+                                                            &c.factor, out, other.h(), &error);
+                       return other.size() == 0 ? jqtest::reported(r, error) : 1;
+                     }});
+    cases.push_back({b.what, b.code, [b](uint8_t** x) {
+                       Bad c = b;
+                       int32_t error = 0;
+                       return jqtest::reported(FIRnarrowFilter_head(x, &c.fs, &c.fp, &c.fst, &c.ripple, &c.att,
+                                                                    &c.type, &c.factor, &error),
+                                               error);
+                     }});
+  }
+  cases.push_back({"empty signal", -20003, [](uint8_t** x) {
+                     double fs = 1000, fp = 20, fst = 25, rp = 0.01, att = 60;
+                     int32_t type = 0, factor = 0, error = 0;
+                     return jqtest::reported(FIRnarrowFilter_head(jqtest::with_count(x, 0), &fs, &fp, &fst, &rp, &att,
+                                                                  &type, &factor, &error),
+                                             error);
+                   }});
+  cases.push_back({"model resize fails", -20001,
+                   [](uint8_t** out) {
+                     double fs = 1000, fp = 20, fst = 25, rp = 0.01, att = 60;
+                     int32_t type = 0, factor = 0, error = 0;
+                     jqrt::Array<double> other(4);
+                     return jqtest::reported(
+                         FIRNarrowCoef_head(&fs, &fp, &fst, &rp, &att, &type, &factor, out, other.h(), &error), error);
+                   },
+                   1});
+  jqtest::expect_rejections<double>(cases);
+}
