@@ -1,12 +1,14 @@
 // The streaming rational-rate FIR filter.
 //
-// Every output is the sum over the taps that meet an input, taken from the
-// oldest input to the newest, starting from 0: one fixed order whatever the
-// block boundaries, so a stream filtered in blocks equals the stream filtered
-// at once bit for bit. The plain filter (up = down = 1) computes sixteen
-// float64 lanes of outputs at a time in that same order; it has an AVX2
-// variant chosen at run time, and neither variant fuses multiply and add,
-// so the vector lanes, the scalar tail and both variants agree exactly.
+// Every output is computed from its own inputs in an order fixed by the
+// mode and the phase alone, whatever the block boundaries, so a stream
+// filtered in blocks equals the stream filtered at once bit for bit. The
+// plain filter (up = down = 1) sums from the oldest input to the newest,
+// sixteen float64 lanes of outputs at a time; a rate change sums each
+// output's taps as one dot product in eight lanes. Both kernels have an AVX2
+// variant chosen at run time; neither fuses multiply and add, so vector
+// lanes, scalar tails and both variants agree exactly.
+#include <algorithm>
 #include <complex>
 #include <cstring>
 #include <limits>
@@ -81,6 +83,40 @@ __attribute__((target("avx2"))) void correlate_avx2(const double* e, int64_t cou
 }
 
 
+// Dot product of a and b over len float64 values whose parts alternate
+// (parts 1 or 2): out[c] sums the products of part c. Eight lanes, then the
+// tail, then the lanes of each part in lane order.
+__attribute__((always_inline)) inline void dot_body(const double* a, const double* b, int64_t len, int parts,
+                                                    double* out) {
+  v4d s0 = {0, 0, 0, 0}, s1 = s0;
+  int64_t i = 0;
+  for (; i + 8 <= len; i += 8) {
+    s0 += load4(a + i) * load4(b + i);
+    s1 += load4(a + i + 4) * load4(b + i + 4);
+  }
+  double lanes[8];
+  store4(lanes, s0);
+  store4(lanes + 4, s1);
+  double r[2] = {0, 0};
+  for (int l = 0; l < 8; ++l) r[l % parts] += lanes[l];
+  for (; i < len; ++i) r[i % parts] += a[i] * b[i];
+  for (int c = 0; c < parts; ++c) out[c] = r[c];
+}
+
+void dot_baseline(const double* a, const double* b, int64_t len, int parts, double* out) {
+  dot_body(a, b, len, parts, out);
+}
+
+__attribute__((target("avx2"))) void dot_avx2(const double* a, const double* b, int64_t len, int parts, double* out) {
+  dot_body(a, b, len, parts, out);
+}
+
+void dot(const double* a, const double* b, int64_t len, int parts, double* out) {
+  static const bool avx2 = __builtin_cpu_supports("avx2");
+  (avx2 ? dot_avx2 : dot_baseline)(a, b, len, parts, out);
+}
+
+// Samples as float64 parts and back.
 template <class S> inline void to_parts(const S* s, int64_t n, double* d) {
   const auto* p = reinterpret_cast<const typename Parts<S>::T*>(s);
   for (int64_t i = 0; i < n * Parts<S>::value; ++i) d[i] = static_cast<double>(p[i]);
@@ -134,17 +170,33 @@ int32_t multirate(const S* x, int64_t n, const double* h, int32_t k, int32_t up,
   } else {
     // Output m sits at upsampled time s = first + m * down of the block; it
     // meets the taps p, p + up, ... with p = s mod up, against the inputs
-    // s / up, s / up - 1, ...; summed from the oldest input.
+    // s / up, s / up - 1, .... Each phase's taps are laid out oldest input
+    // first (and repeated per part), so an output is one contiguous dot
+    // product over the inputs, taken in a fixed order.
+    const int64_t phases = std::min<int64_t>(up, k);
+    Scratch<double> table;
+    Scratch<int64_t> start;
+    if (table.allocate(static_cast<size_t>(k * parts)) != kOk || start.allocate(static_cast<size_t>(phases + 1)) != kOk)
+      return kNoMemory;
+    start[0] = 0;
+    for (int64_t p = 0; p < phases; ++p) {
+      const int64_t taps = (k - 1 - p) / up + 1;
+      double* t = table.data() + start[p] * parts;
+      for (int64_t j = 0; j < taps; ++j)
+        for (int c = 0; c < parts; ++c) t[j * parts + c] = h[p + (taps - 1 - j) * up];
+      start[p + 1] = start[p] + taps;
+    }
     const int64_t first = (down - phase) % down;
     for (int64_t m = 0; m < count; ++m) {
       const int64_t s = first + m * down;
       const int64_t p = s % up, j0 = s / up;
-      const int64_t top = p < k ? (k - 1 - p) / up : -1;
-      for (int c = 0; c < parts; ++c) {
-        double a = 0;
-        for (int64_t i = top; i >= 0; --i) a += h[p + i * up] * e[(hist + j0 - i) * parts + c];
-        out[m * parts + c] = a;
+      if (p >= phases) {
+        for (int c = 0; c < parts; ++c) out[m * parts + c] = 0.0;
+        continue;
       }
+      const int64_t taps = start[p + 1] - start[p];
+      dot(table.data() + start[p] * parts, e + (hist + j0 - (taps - 1)) * parts, taps * parts, parts,
+          out + m * parts);
     }
   }
   if (!direct) from_parts(out, count, y);
