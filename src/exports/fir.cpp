@@ -58,19 +58,25 @@ int32_t multirate_export(JQHandle x, JQHandle y, JQHandle state, JQHandle coeffi
   const int64_t m = fir::output_count(n, up, down, ph);
   if (m > std::numeric_limits<int32_t>::max()) return fail(kNoMemory);
 
-  // An input that shares its block with an output is read before the
-  // output is resized.
-  Scratch<S> copy;
+  // The output and the state must be distinct arrays; an input that shares
+  // its block with either is copied before they are resized.
+  if (y && y == state) return fail(kSizeMismatch);
+  Scratch<S> xcopy;
+  Scratch<double> hcopy;
   const S* in = xs.data();
-  if (x == y || x == state) {
-    if (copy.allocate(n) != kOk) return fail(kNoMemory);
-    std::copy(in, in + n, copy.data());
-    in = copy.data();
-  }
+  const double* taps = h.data();
+  auto keep = [](auto& copy, auto*& p, int32_t len) {
+    if (copy.allocate(len) != kOk) return false;
+    std::copy(p, p + len, copy.data());
+    p = copy.data();
+    return true;
+  };
+  if ((x == y || x == state) && !keep(xcopy, in, n)) return fail(kNoMemory);
+  if ((coefficients == y || coefficients == state) && !keep(hcopy, taps, k)) return fail(kNoMemory);
   if (st.size() != hist && !outs.size(so, static_cast<int32_t>(hist))) return fail(kNoMemory);
   if (fresh) std::fill(so.data(), so.data() + hist, S{});
   if (!outs.size(yo, static_cast<int32_t>(m))) return fail(kNoMemory);
-  const int32_t code = fir::multirate<S>(in, n, h.data(), k, up, down, ph, so.data(), yo.data());
+  const int32_t code = fir::multirate<S>(in, n, taps, k, up, down, ph, so.data(), yo.data());
   if (code < 0) return fail(code);
   if (count) *count = static_cast<int32_t>(m);
   if (phase) *phase = fir::next_phase(n, up, down, ph);

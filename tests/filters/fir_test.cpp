@@ -350,9 +350,12 @@ TEST(FirMultirate, StateAndPhaseCarryOnAndResetStartsOver) {
   ASSERT_EQ(ppMultiRateFIRH_DBL(x.h(), y.h(), no_history.h(), one.h(), 1, 2, 0, 0, &count, &phase), 0);
   EXPECT_EQ(y.values(), (std::vector<double>{2, 4}));
   EXPECT_EQ(phase, 0);
-  // The same handle as input and output.
+  // Inputs that share a block with an output are read before it is resized.
   ASSERT_EQ(ppMultiRateFIRH_DBL(x.h(), x.h(), state.h(), h.h(), 0, 0, 0, 1, &count, &phase), 0);
   EXPECT_EQ(x.values(), (std::vector<double>{1, 3, 6, 9, 12}));
+  ASSERT_EQ(ppMultiRateFIRH_DBL(x.h(), y.h(), h.h(), h.h(), 0, 0, 0, 1, &count, &phase), 0);
+  EXPECT_EQ(y.values(), (std::vector<double>{1, 4, 10, 18, 27}));
+  EXPECT_EQ(ppMultiRateFIRH_DBL(x.h(), y.h(), y.h(), h.h(), 0, 0, 0, 1, &count, &phase), -20008);
 }
 
 TEST(FirMultirate, RejectionsEmptyOutputStateAndCounts) {
@@ -536,6 +539,7 @@ TEST(FirNarrow, Rejections) {
                                                             &c.factor, out, other.h(), &error);
                        return other.size() == 0 ? jqtest::reported(r, error) : 1;
                      }});
+    if (b.code == -20031 && b.factor == 1) continue;  // one 4089-tap attempt is enough
     cases.push_back({b.what, b.code, [b](uint8_t** x) {
                        Bad c = b;
                        int32_t error = 0;
