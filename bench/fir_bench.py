@@ -8,7 +8,7 @@ import ctypes
 import numpy as np
 from scipy import signal
 
-from jqbench import Handle, compare, lib
+from jqbench import Handle, compare, lib, rt
 
 i32 = ctypes.c_int32
 lib.ppMultiRateFIRH_DBL.argtypes = [ctypes.c_void_p] * 4 + [i32, i32, i32, ctypes.c_uint8,
@@ -46,16 +46,14 @@ compare("rate 2/3, 101 taps, 1e6 samples", ours, lambda: signal.upfirdn(h, x, 2,
 for n, k in [(100_000, 31), (100_000, 301), (10_000, 3001)]:
     x = rng.normal(size=n)
     hx = Handle(x)
-    m = k // 2
+    data = rt.jqrt_data(hx.h, 10, 1)
 
     def med():
         # The filter works in place: restore the samples first (a memmove,
         # small beside the filter), as the peer gets fresh input every call.
-        ctypes.memmove(hx_data, x.ctypes.data, x.nbytes)
-        lib.MedianFilter81_H(hx.h, m, m)
+        ctypes.memmove(data, x.ctypes.data, x.nbytes)
+        lib.MedianFilter81_H(hx.h, k // 2, k // 2)
 
-    import jqbench
-    hx_data = jqbench.rt.jqrt_data(hx.h, 10, 1)
     compare(f"median {k} points, {n} samples", med, lambda: signal.medfilt(x, k), "medfilt")
 
 x = np.cumsum(rng.normal(size=1_000_000))
