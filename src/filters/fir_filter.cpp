@@ -10,7 +10,6 @@
 // lanes, scalar tails and both variants agree exactly.
 #include <algorithm>
 #include <complex>
-#include <cstring>
 #include <limits>
 #include <type_traits>
 
@@ -36,13 +35,11 @@ template <class R> struct Parts<std::complex<R>> {
 };
 
 using v4d = double __attribute__((vector_size(32)));
+// The same vector at any double's address, for unaligned loads and stores.
+using v4u = double __attribute__((vector_size(32), aligned(8), may_alias));
 
-__attribute__((always_inline)) inline v4d load4(const double* p) {
-  v4d v;
-  std::memcpy(&v, p, sizeof v);
-  return v;
-}
-__attribute__((always_inline)) inline void store4(double* p, v4d v) { std::memcpy(p, &v, sizeof v); }
+__attribute__((always_inline)) inline v4d load4(const double* p) { return *reinterpret_cast<const v4u*>(p); }
+__attribute__((always_inline)) inline void store4(double* p, v4d v) { *reinterpret_cast<v4u*>(p) = v; }
 
 // y[d] = sum over j of hr[j] * e[d + stride * j], for d in [0, count), with
 // hr the taps oldest-input first. Sixteen lanes at a time, then one by one.
@@ -83,37 +80,84 @@ __attribute__((target("avx2"))) void correlate_avx2(const double* e, int64_t cou
 }
 
 
-// Dot product of a and b over len float64 values whose parts alternate
-// (parts 1 or 2): out[c] sums the products of part c. Eight lanes, then the
-// tail, then the lanes of each part in lane order.
-__attribute__((always_inline)) inline void dot_body(const double* a, const double* b, int64_t len, int parts,
-                                                    double* out) {
+// Dot product of a and b over len float64 values whose P parts alternate
+// (P is 1 or 2): out[c] sums the products of part c. Eight lanes, folded
+// into four and then per part in lane order, then the tail.
+template <int P>
+__attribute__((always_inline)) inline void dot_body(const double* a, const double* b, int64_t len, double* out) {
   v4d s0 = {0, 0, 0, 0}, s1 = s0;
   int64_t i = 0;
   for (; i + 8 <= len; i += 8) {
     s0 += load4(a + i) * load4(b + i);
     s1 += load4(a + i + 4) * load4(b + i + 4);
   }
-  double lanes[8];
-  store4(lanes, s0);
-  store4(lanes + 4, s1);
-  double r[2] = {0, 0};
-  for (int l = 0; l < 8; ++l) r[l % parts] += lanes[l];
-  for (; i < len; ++i) r[i % parts] += a[i] * b[i];
-  for (int c = 0; c < parts; ++c) out[c] = r[c];
+  const v4d s = s0 + s1;
+  if constexpr (P == 1) {
+    double r = (s[0] + s[1]) + (s[2] + s[3]);
+    for (; i < len; ++i) r += a[i] * b[i];
+    out[0] = r;
+  } else {
+    double re = s[0] + s[2], im = s[1] + s[3];
+    for (; i < len; i += 2) {
+      re += a[i] * b[i];
+      im += a[i + 1] * b[i + 1];
+    }
+    out[0] = re;
+    out[1] = im;
+  }
 }
 
-void dot_baseline(const double* a, const double* b, int64_t len, int parts, double* out) {
-  dot_body(a, b, len, parts, out);
+// The outputs of a rate change: output m sits at upsampled time s = first +
+// m * down of the block and meets the taps p, p + up, ... (p = s mod up)
+// against the inputs s / up, s / up - 1, ...; table holds each phase's taps
+// oldest input first, repeated per part, from start[p]. The phase and the
+// newest input advance by down % up and down / up a step, kept
+// incrementally: two divisions an output would cost more than its sum.
+template <int parts>
+__attribute__((always_inline)) inline void polyphase_parts(const double* table, const int64_t* start, int64_t phases,
+                                                           const double* e, int64_t hist, int64_t count,
+                                                           int64_t first, int64_t up, int64_t down, double* out) {
+  const int64_t step_inputs = down / up, step_phase = down % up;
+  int64_t p = first % up, j0 = first / up;
+  for (int64_t m = 0; m < count; ++m, p += step_phase, j0 += step_inputs) {
+    if (p >= up) {
+      p -= up;
+      ++j0;
+    }
+    if (p >= phases) {
+      for (int c = 0; c < parts; ++c) out[m * parts + c] = 0.0;
+      continue;
+    }
+    const int64_t taps = start[p + 1] - start[p];
+    dot_body<parts>(table + start[p] * parts, e + (hist + j0 - (taps - 1)) * parts, taps * parts, out + m * parts);
+  }
 }
 
-__attribute__((target("avx2"))) void dot_avx2(const double* a, const double* b, int64_t len, int parts, double* out) {
-  dot_body(a, b, len, parts, out);
+__attribute__((always_inline)) inline void polyphase_body(const double* table, const int64_t* start, int64_t phases,
+                                                          const double* e, int64_t hist, int64_t count,
+                                                          int64_t first, int64_t up, int64_t down, int parts,
+                                                          double* out) {
+  if (parts == 1)
+    polyphase_parts<1>(table, start, phases, e, hist, count, first, up, down, out);
+  else
+    polyphase_parts<2>(table, start, phases, e, hist, count, first, up, down, out);
 }
 
-void dot(const double* a, const double* b, int64_t len, int parts, double* out) {
+void polyphase_baseline(const double* table, const int64_t* start, int64_t phases, const double* e, int64_t hist,
+                        int64_t count, int64_t first, int64_t up, int64_t down, int parts, double* out) {
+  polyphase_body(table, start, phases, e, hist, count, first, up, down, parts, out);
+}
+
+__attribute__((target("avx2"))) void polyphase_avx2(const double* table, const int64_t* start, int64_t phases,
+                                                    const double* e, int64_t hist, int64_t count, int64_t first,
+                                                    int64_t up, int64_t down, int parts, double* out) {
+  polyphase_body(table, start, phases, e, hist, count, first, up, down, parts, out);
+}
+
+void polyphase(const double* table, const int64_t* start, int64_t phases, const double* e, int64_t hist,
+               int64_t count, int64_t first, int64_t up, int64_t down, int parts, double* out) {
   static const bool avx2 = __builtin_cpu_supports("avx2");
-  (avx2 ? dot_avx2 : dot_baseline)(a, b, len, parts, out);
+  (avx2 ? polyphase_avx2 : polyphase_baseline)(table, start, phases, e, hist, count, first, up, down, parts, out);
 }
 
 // Samples as float64 parts and back.
@@ -168,11 +212,8 @@ int32_t multirate(const S* x, int64_t n, const double* h, int32_t k, int32_t up,
     for (int32_t j = 0; j < k; ++j) reversed[j] = h[k - 1 - j];
     correlate(e, count * parts, reversed.data(), k, parts, out);
   } else {
-    // Output m sits at upsampled time s = first + m * down of the block; it
-    // meets the taps p, p + up, ... with p = s mod up, against the inputs
-    // s / up, s / up - 1, .... Each phase's taps are laid out oldest input
-    // first (and repeated per part), so an output is one contiguous dot
-    // product over the inputs, taken in a fixed order.
+    // Each phase's taps laid out oldest input first (and repeated per part),
+    // so that an output is one contiguous dot product in a fixed order.
     const int64_t phases = std::min<int64_t>(up, k);
     Scratch<double> table;
     Scratch<int64_t> start;
@@ -186,18 +227,7 @@ int32_t multirate(const S* x, int64_t n, const double* h, int32_t k, int32_t up,
         for (int c = 0; c < parts; ++c) t[j * parts + c] = h[p + (taps - 1 - j) * up];
       start[p + 1] = start[p] + taps;
     }
-    const int64_t first = (down - phase) % down;
-    for (int64_t m = 0; m < count; ++m) {
-      const int64_t s = first + m * down;
-      const int64_t p = s % up, j0 = s / up;
-      if (p >= phases) {
-        for (int c = 0; c < parts; ++c) out[m * parts + c] = 0.0;
-        continue;
-      }
-      const int64_t taps = start[p + 1] - start[p];
-      dot(table.data() + start[p] * parts, e + (hist + j0 - (taps - 1)) * parts, taps * parts, parts,
-          out + m * parts);
-    }
+    polyphase(table.data(), start.data(), phases, e, hist, count, (down - phase) % down, up, down, parts, out);
   }
   if (!direct) from_parts(out, count, y);
   from_parts(e + n * parts, hist, history);
