@@ -6,7 +6,7 @@ export's own overhead (validation, resizing the output and the state)."""
 import ctypes
 
 import numpy as np
-from scipy import signal
+from scipy import ndimage, signal
 
 from jqbench import Handle, compare, lib, rt
 
@@ -40,8 +40,9 @@ compare("FIR 101 taps, 1e6 float32 samples", ours, lambda: signal.lfilter(h.asty
         "lfilter f32")
 ours, x, h = fir(1_000_000, 8, np.float64)
 compare("FIR 8 taps, 1e6 float64 samples", ours, lambda: signal.lfilter(h, 1.0, x), "lfilter")
-ours, x, h = fir(1_000_000, 101, np.float64, mode=3, down=3, up=2)
-compare("rate 2/3, 101 taps, 1e6 samples", ours, lambda: signal.upfirdn(h, x, 2, 3), "upfirdn")
+for mode, down, up in [(1, 4, 1), (2, 1, 3), (3, 3, 2)]:
+    ours, x, h = fir(1_000_000, 101, np.float64, mode=mode, down=down, up=up)
+    compare(f"rate {up}/{down}, 101 taps, 1e6 samples", ours, lambda: signal.upfirdn(h, x, up, down), "upfirdn")
 
 for n, k in [(100_000, 31), (100_000, 301), (10_000, 3001)]:
     x = rng.normal(size=n)
@@ -55,6 +56,8 @@ for n, k in [(100_000, 31), (100_000, 301), (10_000, 3001)]:
         lib.MedianFilter81_H(hx.h, k // 2, k // 2)
 
     compare(f"median {k} points, {n} samples", med, lambda: signal.medfilt(x, k), "medfilt")
+    compare(f"median {k} points, {n} samples", med, lambda: ndimage.median_filter(x, k, mode="constant"),
+            "ndimage median_filter")
 
 x = np.cumsum(rng.normal(size=1_000_000))
 hx = Handle(x)
