@@ -61,7 +61,7 @@ std::vector<S> stream(const std::vector<S>& x, const std::vector<double>& h, int
 }
 
 template <class S> void check_multirate_oracle(double tolerance) {
-  for (const oracle::MultirateCase& c : oracle::kMultirate) {
+  for (const fir_oracle::MultirateCase& c : fir_oracle::kMultirate) {
     SCOPED_TRACE(testing::Message() << "mode " << c.mode << " up " << c.up << " down " << c.down << " taps " << c.k);
     if (c.complex && !(std::is_same_v<S, cd> || std::is_same_v<S, cf>)) continue;
     std::vector<S> x;
@@ -96,7 +96,7 @@ int32_t parks(int32_t n, double fs, const std::vector<std::vector<double>>& band
 }
 
 TEST(FirRemez, ConvergesOnScipysDesigns) {
-  for (const oracle::RemezCase& c : oracle::kRemez) {
+  for (const fir_oracle::RemezCase& c : fir_oracle::kRemez) {
     SCOPED_TRACE(testing::Message() << "taps " << c.n << " type " << c.type << " bands " << c.bands);
     std::vector<std::vector<double>> bands;
     for (int i = 0; i < c.bands; ++i) bands.emplace_back(c.band + 4 * i, c.band + 4 * i + 4);
@@ -197,7 +197,7 @@ TEST(FirRemez, ValidationOrderAndCodes) {
 }
 
 TEST(FirIdeal, MatchesTheTruncatedIdealResponse) {
-  for (const oracle::IdealCase& c : oracle::kIdeal) {
+  for (const fir_oracle::IdealCase& c : fir_oracle::kIdeal) {
     SCOPED_TRACE(testing::Message() << "type " << c.type << " n " << c.n << " fl " << c.fl);
     double fs = c.fs, fl = c.fl, fh = c.fh;
     int32_t n = c.n, type = c.type, error = 1;
@@ -252,7 +252,7 @@ TEST(FirIdeal, RejectionsEmptyTheCoefficients) {
 }
 
 TEST(FirMedian, MatchesMedfiltAndTheZeroPaddedDefinition) {
-  for (const oracle::MedianCase& c : oracle::kMedian) {
+  for (const fir_oracle::MedianCase& c : fir_oracle::kMedian) {
     SCOPED_TRACE(testing::Message() << "n " << c.n << " left " << c.left << " right " << c.right);
     jqrt::Array<double> x(std::vector<double>(c.x, c.x + c.n));
     ASSERT_EQ(MedianFilter81_H(x.h(), c.left, c.right), 0);
@@ -396,7 +396,7 @@ TEST(FirMultirate, RejectionsEmptyOutputStateAndCounts) {
 }
 
 TEST(FirSavgol, MatchesSavgolCoeffsAndFilter) {
-  for (const oracle::SavgolCase& c : oracle::kSavgol) {
+  for (const fir_oracle::SavgolCase& c : fir_oracle::kSavgol) {
     SCOPED_TRACE(testing::Message() << "m " << c.m << " p " << c.p << " n " << c.n);
     jqrt::Array<double> w;
     ASSERT_EQ(SavitzkyGolayCoefH(c.m, c.p, w.h()), 0);
