@@ -31,7 +31,11 @@ JQ_API int32_t FIRCoefs(JQ_IN double* fs, JQ_IN double* fl, JQ_IN double* fh, JQ
  * (type 1, passband > stopband) with the given edges, passband deviation
  * *ripple (linear, in (0, 1)) and stopband attenuation in dB. Both are
  * equiripple designs of odd length. A *factor below 1 is chosen to make the
- * two filters shortest; the factor used is written back. */
+ * two filters shortest; the factor used is written back. Codes: -20031
+ * non-finite input or a filter longer than 4089 taps needed, -20023
+ * non-positive fs or edge or edges in the wrong order for the type, -20020
+ * an edge at or above fs/2, -20061 unknown type or a factor too large for
+ * the edges, -20053 ripple outside (0, 1), -20140 attenuation not positive. */
 JQ_API int32_t FIRNarrowCoef_head(JQ_IN double* fs, JQ_IN double* passband, JQ_IN double* stopband, JQ_IN double* ripple, JQ_IN double* attenuation, JQ_IN int32_t* type, JQ_INOUT int32_t* factor, JQ_OUT JQArrF64 model, JQ_OUT JQArrF64 interpolator, JQ_OUT int32_t* error);
 /* The signal through that narrowband design, in place, starting from rest
  * (the output has the input's length). The complex form filters both parts. */
@@ -41,7 +45,9 @@ JQ_API int32_t CxSigFIRnarrowFilter_head(JQ_INOUT JQArrC128 x, JQ_IN double* fs,
 /* Running median over rank samples on each side (MedianFilterCIN) or left
  * and right samples (MedianFilter81_H; a negative right rank means the left
  * one), samples outside the signal counting as zeros; in place. An even
- * window takes the mean of its two middle values. */
+ * window takes the mean of its two middle values. Codes: -20003 empty
+ * signal, -20004 negative left rank, -20008 signal not longer than the right
+ * rank. */
 JQ_API int32_t MedianFilterCIN(JQ_INOUT JQArrF64 x, JQ_IN int32_t* rank, JQ_OUT int32_t* error);
 JQ_API int32_t MedianFilter81_H(JQ_INOUT JQArrF64 x, int32_t left, int32_t right);
 
@@ -56,7 +62,9 @@ JQ_API int32_t MedianFilter81_H(JQ_INOUT JQArrF64 x, int32_t left, int32_t right
  * outputs of this block, which the output array holds; filtering a stream in
  * blocks gives exactly the outputs of filtering it at once, which are the
  * first outputs of upsample-filter-downsample. Coefficients are float64 for
- * every sample type. */
+ * every sample type. Codes: -20061 mode outside 0..3, -20021 a used factor
+ * below 1, -20010 one above 8388608, -20003 no coefficients or no samples,
+ * -20008 output and state given as one array. */
 JQ_API int32_t ppMultiRateFIRH_DBL(JQ_IN JQArrF64 x, JQ_OUT JQArrF64 y, JQ_INOUT JQArrF64 state, JQ_IN JQArrF64 coefficients, int32_t mode, int32_t decimation, int32_t interpolation, uint8_t reset, JQ_OUT int32_t* count, JQ_INOUT int32_t* phase);
 JQ_API int32_t ppMultiRateFIRH_SGL(JQ_IN JQArrF32 x, JQ_OUT JQArrF32 y, JQ_INOUT JQArrF32 state, JQ_IN JQArrF64 coefficients, int32_t mode, int32_t decimation, int32_t interpolation, uint8_t reset, JQ_OUT int32_t* count, JQ_INOUT int32_t* phase);
 JQ_API int32_t ppMultiRateFIRH_CDB(JQ_IN JQArrC128 x, JQ_OUT JQArrC128 y, JQ_INOUT JQArrC128 state, JQ_IN JQArrF64 coefficients, int32_t mode, int32_t decimation, int32_t interpolation, uint8_t reset, JQ_OUT int32_t* count, JQ_INOUT int32_t* phase);
