@@ -75,7 +75,9 @@ JQ_API int32_t ppMultiRateFIRH_CSG(JQ_IN JQArrC64 x, JQ_OUT JQArrC64 y, JQ_INOUT
  * SavitzkyGolayCoefH gives the weights that produce the smoothed centre
  * sample. SavitzkyGolayFiltH smooths the signal in place; its first and last
  * side_points samples are the polynomials fitted to the first and the last
- * window, and the signal must be at least one window long (-20008). */
+ * window, and the signal must be at least one window long (-20008). Codes:
+ * -20004 negative side points or order, -20010 a window above 8388608
+ * samples, -20061 an order not below the window, -20003 empty signal. */
 JQ_API int32_t SavitzkyGolayCoefH(int32_t side_points, int32_t order, JQ_OUT JQArrF64 coefficients);
 JQ_API int32_t SavitzkyGolayFiltH(JQ_INOUT JQArrF64 x, int32_t side_points, int32_t order);
 
