@@ -14,11 +14,11 @@
 #include <type_traits>
 
 #include "filters/fir.hpp"
+#include "frame/errors.hpp"
+#include "frame/scratch.hpp"
 
 // The vector helpers are inlined everywhere, so no vector crosses a call.
 #pragma GCC diagnostic ignored "-Wpsabi"
-#include "frame/errors.hpp"
-#include "frame/scratch.hpp"
 
 namespace jq::fir {
 
