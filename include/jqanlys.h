@@ -70,5 +70,6 @@ typedef struct JQErrorCluster {
 #include "jqanlys/windows.h"
 #include "jqanlys/dct.h"
 #include "jqanlys/measure.h"
+#include "jqanlys/fir.h"
 
 #endif

@@ -57,6 +57,11 @@ enum Code : int32_t {
   kBadLevelMethod = -20316,     // a level method other than 0, 1 or 2
   kBadBinCount = -20317,        // fewer than 1 histogram bin
   kWarnWeakState = 20021,       // warning: a state's mode holds under 5 % of the samples
+
+  // FIR design and filtering.
+  kEdgeAboveNyquist = -20020,   // a band edge or cut-off above fs/2
+  kBadEdges = -20023,           // non-positive fs, bad edge, weight or desired value, cut-offs out of order
+  kDesignFailed = -20031,       // too few taps, non-finite input, inconsistent bands, no convergence
 };
 
 }  // namespace jq
