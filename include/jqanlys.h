@@ -68,5 +68,7 @@ typedef struct JQErrorCluster {
 #include "jqanlys/waveforms.h"
 #include "jqanlys/windows.h"
 #include "jqanlys/dct.h"
+#include "jqanlys/sigops.h"
+#include "jqanlys/integration.h"
 
 #endif

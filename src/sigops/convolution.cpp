@@ -1,0 +1,191 @@
+#include "sigops/convolution.hpp"
+
+#include <algorithm>
+#include <cstring>
+
+#include "frame/errors.hpp"
+#include "frame/scratch.hpp"
+#include "sigops/kernels.hpp"
+#include "transforms/fft.hpp"
+#include "transforms/shared_table.hpp"
+
+namespace jq::sig {
+
+int64_t transform_length(int64_t n) {
+  // 23 is left out on purpose: the engine has no butterfly of its own for it.
+  static constexpr int64_t kPrimes[] = {43, 41, 37, 31, 29, 19, 17, 13, 11, 7, 5, 3, 2};
+  for (int64_t l = std::max<int64_t>(n, 1); l <= INT32_MAX; ++l) {
+    int64_t r = l;
+    for (int64_t p : kPrimes)
+      while (r % p == 0) r /= p;
+    if (r == 1) return l;
+  }
+  return 0;
+}
+
+namespace {
+
+using fft::SharedTable;
+
+// The frequency-domain product of two real sequences: x (optionally taken
+// backwards, for a correlation) and y, n + m - 1 values into out.
+int32_t real_product(const double* x, int32_t n, const double* y, int32_t m, double* out, bool reverse_x) {
+  const int64_t total = int64_t{n} + m - 1;
+  const int64_t l64 = transform_length(total);
+  if (l64 == 0) return kNoMemory;
+  const int32_t L = static_cast<int32_t>(l64);
+  if (L == 1) {
+    out[0] = x[0] * y[0];
+    return kOk;
+  }
+  Scratch<double> s;
+  if (s.allocate(3 * static_cast<size_t>(L))) return kNoMemory;
+  double *a = s.data(), *b = a + L, *c = b + L;
+  std::fill(a, a + 2 * static_cast<size_t>(L), 0.0);
+  if (reverse_x)
+    std::reverse_copy(x, x + n, a);
+  else
+    std::copy(x, x + n, a);
+  std::copy(y, y + m, b);
+  SharedTable t(static_cast<uint32_t>(L));
+  if (!t.get()) return kNoMemory;
+  if (int32_t rc = fft::ExecuteRealFFT(t.get(), a, c, 1, 1, L)) return rc;
+  if (int32_t rc = fft::ExecuteRealFFT(t.get(), b, a, 1, 1, L)) return rc;
+  multiply_half_complex(c, a, b, L);
+  if (int32_t rc = fft::ExecuteInverseRealFFT(t.get(), b, c, 1, 1, L)) return rc;
+  std::copy(c, c + total, out);
+  return kOk;
+}
+
+// The same for complex sequences; a correlation conjugates the reversed x.
+int32_t complex_product(const cdouble* x, int32_t n, const cdouble* y, int32_t m, cdouble* out, bool reverse_x) {
+  const int64_t total = int64_t{n} + m - 1;
+  const int64_t l64 = transform_length(total);
+  if (l64 == 0) return kNoMemory;
+  const int32_t L = static_cast<int32_t>(l64);
+  Scratch<cdouble> s;
+  if (s.allocate(3 * static_cast<size_t>(L))) return kNoMemory;
+  cdouble *a = s.data(), *b = a + L, *c = b + L;
+  std::fill(a, a + 2 * static_cast<size_t>(L), cdouble());
+  if (reverse_x)
+    for (int32_t i = 0; i < n; ++i) a[i] = std::conj(x[n - 1 - i]);
+  else
+    std::copy(x, x + n, a);
+  std::copy(y, y + m, b);
+  SharedTable t(static_cast<uint32_t>(L));
+  if (!t.get()) return kNoMemory;
+  auto run = [&](auto f, const cdouble* in, cdouble* o) {
+    const double* i = reinterpret_cast<const double*>(in);
+    double* d = reinterpret_cast<double*>(o);
+    return f(t.get(), i, i + 1, d, d + 1, 2, 2, L);
+  };
+  if (int32_t rc = run(fft::ExecuteComplexFFT, a, c)) return rc;
+  if (int32_t rc = run(fft::ExecuteComplexFFT, b, a)) return rc;
+  multiply_complex(c, a, b, L);
+  if (int32_t rc = run(fft::ExecuteInverseComplexFFT, b, c)) return rc;
+  std::copy(c, c + total, out);
+  return kOk;
+}
+
+int32_t normalise(double* out, int32_t n, int32_t m, int32_t normalisation) {
+  const int64_t total = int64_t{n} + m - 1;
+  switch (normalisation) {
+    case kNone:
+      return kOk;
+    case kUnbiased: {
+      const int64_t most = std::min(n, m);
+      for (int64_t k = 0; k < total; ++k)
+        out[k] /= static_cast<double>(std::min({k + 1, most, total - k}));
+      return kOk;
+    }
+    case kBiased: {
+      const double d = std::max(n, m);
+      for (int64_t k = 0; k < total; ++k) out[k] /= d;
+      return kOk;
+    }
+    default:
+      return kBadSelector;
+  }
+}
+
+}  // namespace
+
+int32_t convolve(const double* x, int32_t n, const double* y, int32_t m, double* out, int32_t method) {
+  if (method == kDirect) {
+    direct_convolve(x, n, y, m, out);
+    return kOk;
+  }
+  return method == kFrequency ? real_product(x, n, y, m, out, false) : kOk;
+}
+
+int32_t convolve(const cdouble* x, int32_t n, const cdouble* y, int32_t m, cdouble* out, int32_t method) {
+  if (method == kDirect) {
+    direct_convolve(x, n, y, m, out);
+    return kOk;
+  }
+  return method == kFrequency ? complex_product(x, n, y, m, out, false) : kOk;
+}
+
+int32_t correlate(const double* x, int32_t n, const double* y, int32_t m, double* out, int32_t method,
+                  int32_t normalisation) {
+  if (normalisation < kNone || normalisation > kBiased) return kBadSelector;
+  if (method == kDirect)
+    direct_correlate(x, n, y, m, out);
+  else if (method == kFrequency) {
+    if (int32_t rc = real_product(x, n, y, m, out, true)) return rc;
+  } else {
+    return kBadSelector;
+  }
+  return normalise(out, n, m, normalisation);
+}
+
+int32_t autocorrelate(double* x, int32_t n, int32_t normalisation) {
+  if (normalisation < kNone || normalisation > kBiased) return kBadSelector;
+  const int64_t total = 2 * int64_t{n} - 1;
+  const int64_t l64 = transform_length(total);
+  if (l64 == 0) return kNoMemory;
+  const int32_t L = static_cast<int32_t>(l64);
+  if (L == 1) {
+    x[0] *= x[0];
+    return kOk;
+  }
+  Scratch<double> s;
+  if (s.allocate(2 * static_cast<size_t>(L))) return kNoMemory;
+  double *a = s.data(), *b = a + L;
+  std::copy(x, x + n, a);
+  std::fill(a + n, a + L, 0.0);
+  SharedTable t(static_cast<uint32_t>(L));
+  if (!t.get()) return kNoMemory;
+  if (int32_t rc = fft::ExecuteRealFFT(t.get(), a, b, 1, 1, L)) return rc;
+  // One transform serves both factors: the product is the squared magnitude.
+  a[0] = b[0] * b[0];
+  for (int32_t k = 1; k < L - k; ++k) {
+    a[k] = b[k] * b[k] + b[L - k] * b[L - k];
+    a[L - k] = 0.0;
+  }
+  if (L % 2 == 0) a[L / 2] = b[L / 2] * b[L / 2];
+  if (int32_t rc = fft::ExecuteInverseRealFFT(t.get(), a, b, 1, 1, L)) return rc;
+  // Negative lags wrapped round to the end of the circular result.
+  std::copy(b + (L - (n - 1)), b + L, x);
+  std::copy(b, b + n, x + (n - 1));
+  return normalise(x, n, n, normalisation);
+}
+
+int32_t deconvolve(double* y, int32_t n, const double* x, int32_t m) {
+  // Leading zeros of the divisor only shift the dividend; skip both.
+  int32_t z = 0;
+  while (z < m - 1 && x[z] == 0.0) ++z;
+  const double* d = x + z;
+  const int32_t md = m - z;
+  const int32_t k = n - m + 1;
+  const double lead = d[0];
+  for (int32_t i = 0; i < k; ++i) {
+    double r = y[z + i];
+    const int32_t top = std::min(i, md - 1);
+    for (int32_t j = 1; j <= top; ++j) r -= d[j] * y[i - j];
+    y[i] = r / lead;
+  }
+  return kOk;
+}
+
+}  // namespace jq::sig
