@@ -246,6 +246,51 @@ int32_t autocorrelate(double* x, int32_t n, int32_t normalisation) {
   return normalise(x, n, n, normalisation);
 }
 
+namespace {
+
+// Long division of a residual r by d (md values, d[0] != 0 unless the
+// quotient is to be non-finite): q[i] = r[i] / d[0], after every earlier
+// quotient value has taken its share d[i - j] q[j] off r[i]. Large spans are
+// split in halves so that the first half's shares reach the second half as
+// one convolution.
+class Divider {
+ public:
+  Divider(const double* d, int32_t md, double* r, double* q) : d_(d), md_(md), r_(r), q_(q) {}
+
+  int32_t solve(int32_t lo, int32_t hi) {
+    if (hi - lo <= kLeaf) {
+      for (int32_t i = lo; i < hi; ++i) {
+        const double qi = r_[i] / d_[0];
+        q_[i] = qi;
+        const int32_t end = static_cast<int32_t>(std::min<int64_t>(hi, int64_t{i} + md_));
+        for (int32_t t = i + 1; t < end; ++t) r_[t] -= d_[t - i] * qi;
+      }
+      return kOk;
+    }
+    const int32_t mid = lo + (hi - lo) / 2;
+    if (int32_t rc = solve(lo, mid)) return rc;
+    const int32_t taps = std::min(md_, hi - lo), len = mid - lo;
+    const int32_t reach = static_cast<int32_t>(std::min<int64_t>(hi - lo, int64_t{len} + taps - 1));
+    Scratch<double> c;
+    if (c.allocate(static_cast<size_t>(len) + taps - 1)) return kNoMemory;
+    const int32_t method = int64_t{len} * taps < kDirectWork ? kDirect : kFrequency;
+    if (int32_t rc = convolve(q_ + lo, len, d_, taps, c.data(), method)) return rc;
+    for (int32_t t = mid - lo; t < reach; ++t) r_[lo + t] -= c[t];
+    return solve(mid, hi);
+  }
+
+  static constexpr int32_t kLeaf = 256;
+  static constexpr int64_t kDirectWork = 1 << 16;
+
+ private:
+  const double* d_;
+  int32_t md_;
+  double* r_;
+  double* q_;
+};
+
+}  // namespace
+
 int32_t deconvolve(double* y, int32_t n, const double* x, int32_t m) {
   // Leading zeros of the divisor only shift the dividend; skip both.
   int32_t z = 0;
@@ -253,14 +298,20 @@ int32_t deconvolve(double* y, int32_t n, const double* x, int32_t m) {
   const double* d = x + z;
   const int32_t md = m - z;
   const int32_t k = n - m + 1;
-  const double lead = d[0];
-  for (int32_t i = 0; i < k; ++i) {
-    double r = y[z + i];
-    const int32_t top = std::min(i, md - 1);
-    for (int32_t j = 1; j <= top; ++j) r -= d[j] * y[i - j];
-    y[i] = r / lead;
+  if (int64_t{k} * md <= (int64_t{1} << 22)) {
+    const double lead = d[0];
+    for (int32_t i = 0; i < k; ++i) {
+      double r = y[z + i];
+      const int32_t top = std::min(i, md - 1);
+      for (int32_t j = 1; j <= top; ++j) r -= d[j] * y[i - j];
+      y[i] = r / lead;
+    }
+    return kOk;
   }
-  return kOk;
+  Scratch<double> r;
+  if (r.allocate(static_cast<size_t>(k))) return kNoMemory;
+  std::copy(y + z, y + z + k, r.data());
+  return Divider(d, md, r.data(), y).solve(0, k);
 }
 
 }  // namespace jq::sig

@@ -177,6 +177,25 @@ TEST(Sigops, MethodsAgreeOnLongInputs) {
     }
 }
 
+// A long quotient by a long divisor is divided in halves whose shares pass
+// on as convolutions; the quotient still comes back to rounding.
+TEST(Sigops, LongDeconvolution) {
+  const int k = 30001, m = 3001;
+  std::vector<double> q(k), d(m, 0.0);
+  for (int i = 0; i < k; ++i) q[i] = std::sin(0.1 * i) + (i % 5) * 0.25;
+  d[0] = 2;
+  for (int j = 1; j < m; ++j) d[j] = std::pow(-0.5, j) * ((j % 3) - 1);
+  jqrt::Array<double> y(k + m - 1), x(d);
+  int32_t method = 1, error = 99;
+  {
+    jqrt::Array<double> qa(q);
+    ASSERT_EQ(Convolution(qa.h(), x.h(), y.h(), &method, &error), 0);
+  }
+  EXPECT_EQ(Deconvolution(y.h(), x.h(), &error), 0);
+  ASSERT_EQ(y.size(), k);
+  expect_close(y.data(), q.data(), k, 1e-12);
+}
+
 TEST(Sigops, UnknownConvolutionMethodSizesTheOutputWithoutError) {
   jqrt::Array<double> x{1, 2, 3}, y{4, 5}, out;
   int32_t method = 2, error = 99;
