@@ -42,33 +42,28 @@ struct Seq {
   }
 };
 
-int64_t smooth_length(int64_t n) {
-  for (int64_t l = std::max<int64_t>(n, 1);; ++l) {
-    int64_t r = l;
-    for (int64_t p : {2, 3, 5})
-      while (r % p == 0) r /= p;
-    if (r == 1) return l;
-  }
-}
-
 double fft_cost(double l) { return l * std::log2(std::max(l, 2.0)); }
 
 // The block length of an overlap-add run for a kernel of k values over a
-// signal of n: the smooth length (2^a 3^b 5^c, the engine's fastest) with the
-// least estimated work. 0 when one transform of the whole is cheaper.
+// signal of n: the length 2^a 3^b 5^c (the engine's fastest) with the least
+// estimated work. 0 when one transform of the whole is cheaper.
 int32_t block_length(int64_t n, int64_t k) {
   const double whole = 3 * fft_cost(static_cast<double>(transform_length(n + k - 1)));
   double best = 0.8 * whole;  // blocks must win clearly to be worth their overhead
   int32_t chosen = 0;
-  for (int64_t b = smooth_length(2 * k); b <= std::min<int64_t>(32 * k, n + k - 1); b = smooth_length(b + 1)) {
-    const double blocks = std::ceil(static_cast<double>(n) / static_cast<double>(b - k + 1));
-    // Blocks that no longer fit the cache run at half speed.
-    const double cost = (2 * blocks + 1) * fft_cost(static_cast<double>(b)) * (b > 32768 ? 2.0 : 1.0);
-    if (cost < best) {
-      best = cost;
-      chosen = static_cast<int32_t>(b);
-    }
-  }
+  const int64_t lo = 2 * k, hi = std::min<int64_t>(32 * k, n + k - 1);
+  for (int64_t p5 = 1; p5 <= hi; p5 *= 5)
+    for (int64_t p3 = p5; p3 <= hi; p3 *= 3)
+      for (int64_t b = p3; b <= hi; b *= 2) {
+        if (b < lo) continue;
+        const double blocks = std::ceil(static_cast<double>(n) / static_cast<double>(b - k + 1));
+        // Blocks that no longer fit the cache run at half speed.
+        const double cost = (2 * blocks + 1) * fft_cost(static_cast<double>(b)) * (b > 32768 ? 2.0 : 1.0);
+        if (cost < best) {
+          best = cost;
+          chosen = static_cast<int32_t>(b);
+        }
+      }
   return chosen;
 }
 
