@@ -27,7 +27,9 @@ JQ_API int32_t Rxy80(JQ_IN JQArrF64 x, JQ_IN JQArrF64 y, JQ_OUT JQArrF64 out, JQ
 /* x is replaced by its 2n - 1 lags, computed in the frequency domain. */
 JQ_API int32_t AutoCorrelation(JQ_INOUT JQArrF64 x, JQ_OUT int32_t* error);
 JQ_API int32_t AutoCorrelation80(JQ_INOUT JQArrF64 x, int32_t normalisation, JQ_OUT int32_t* error);
-/* y (n samples) is replaced by the n - m + 1 samples q with y = q * x. */
+/* y (n samples) is replaced by the n - m + 1 samples q with y = q * x, by long
+ * division from the first sample (leading zeros of x are skipped); x of only
+ * zeros gives non-finite values. */
 JQ_API int32_t Deconvolution(JQ_INOUT JQArrF64 y, JQ_IN JQArrF64 x, JQ_OUT int32_t* error);
 JQ_API int32_t CxConvolution(JQ_IN JQArrC128 x, JQ_IN JQArrC128 y, JQ_OUT JQArrC128 out, int32_t method, int32_t size_mode, JQ_OUT int32_t* error);
 
