@@ -177,6 +177,29 @@ TEST(Sigops, MethodsAgreeOnLongInputs) {
     }
 }
 
+// The direct sums add their products in a fixed order (x outer for the
+// convolution, y outer for the correlation), so they round exactly as the
+// plain loops do, whatever the lengths.
+TEST(Sigops, DirectSumsRoundAsThePlainLoops) {
+  for (int n : {1, 3, 4, 7, 50})
+    for (int m : {1, 2, 4, 5, 33}) {
+      std::vector<double> a(n), b(m);
+      for (int i = 0; i < n; ++i) a[i] = std::sin(1.3 * i + 0.2) * 1e3;
+      for (int j = 0; j < m; ++j) b[j] = std::cos(0.7 * j) / 3;
+      std::vector<double> conv(n + m - 1, 0.0), corr(n + m - 1, 0.0);
+      for (int i = 0; i < n; ++i)
+        for (int j = 0; j < m; ++j) conv[i + j] += a[i] * b[j];
+      for (int j = 0; j < m; ++j)
+        for (int k = 0; k < n; ++k) corr[j + k] += a[n - 1 - k] * b[j];
+      jqrt::Array<double> x(a), y(b), c1, c2;
+      int32_t direct = 0, e;
+      ASSERT_EQ(Convolution(x.h(), y.h(), c1.h(), &direct, &e), 0);
+      ASSERT_EQ(Rxy(x.h(), y.h(), c2.h(), &direct, &e), 0);
+      EXPECT_EQ(c1.values(), conv) << n << " x " << m;
+      EXPECT_EQ(c2.values(), corr) << n << " x " << m;
+    }
+}
+
 // A long quotient by a long divisor is divided in halves whose shares pass
 // on as convolutions; the quotient still comes back to rounding.
 TEST(Sigops, LongDeconvolution) {
