@@ -29,6 +29,20 @@ def case(name, export, n, m, peer, peer_name):
     compare(name, ours, lambda: peer(x, y), peer_name)
 
 
+def case_2d(name, rows, cols, krows, kcols):
+    rng = np.random.default_rng(rows + krows)
+    x, y = rng.standard_normal((rows, cols)), rng.standard_normal((krows, kcols))
+    hx, hy, out = Handle(x), Handle(y), Handle(np.zeros((1, 1)))
+
+    def ours():
+        lib.Convolve_2DH(hx.h, hy.h, out.h, I(0), I(1))
+
+    ours()
+    want = ss.fftconvolve(x, y)
+    assert np.max(np.abs(out.array() - want)) <= 1e-9 * np.max(np.abs(want)), name
+    compare(name, ours, lambda: ss.fftconvolve(x, y), "fftconvolve")
+
+
 def main():
     print("convolution and correlation, frequency domain (ratio = ours / peer)")
     case("Convolution 1e5 x 1e3", "Convolution", 100_000, 1_000, ss.fftconvolve, "fftconvolve")
@@ -36,6 +50,7 @@ def main():
     # Rxy(x, y) puts lag 0 at x's last sample: scipy's correlate(y, x).
     case("Rxy 1e5 x 1e5", "Rxy", 100_000, 100_000, lambda x, y: ss.correlate(y, x, method="fft"),
          "correlate fft")
+    case_2d("Convolve_2DH 1000x1000 by 50x50", 1000, 1000, 50, 50)
 
 
 if __name__ == "__main__":

@@ -13,7 +13,8 @@
  * Convolution, Rxy, Rxy80, AutoCorrelation and AutoCorrelation80 return 0
  * (or the host's status after a failed resize) and store the code in error;
  * Convolution with a method other than 0 or 1 sizes its output, leaves it
- * unwritten and reports 0. Deconvolution and CxConvolution store the code
+ * unwritten and reports 0, where the other exports reject it with -20061.
+ * Deconvolution and CxConvolution store the code
  * and also return it; the 2-D exports return it. Failures empty the output. */
 #ifndef JQANLYS_SIGOPS_H
 #define JQANLYS_SIGOPS_H

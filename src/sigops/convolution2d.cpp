@@ -27,8 +27,100 @@ template <class T> void direct_full(const T* x, Shape2 xs, const T* k, Shape2 ks
     }
 }
 
-template <class T>
-int32_t frequency_full(const T* x, Shape2 xs, const T* k, Shape2 ks, T* out, Shape2 full) {
+// The 2-D spectra of real inputs keep only bins 0 .. C/2 of each row (the
+// rest are their conjugates): rows take the real transform, then the kept
+// columns the complex one. Rows past an input's end are zero and skipped.
+class RealSpectra {
+ public:
+  RealSpectra(int32_t R, int32_t C) : R_(R), C_(C), H_(C / 2 + 1), rows_(static_cast<uint32_t>(C)),
+                                      cols_(static_cast<uint32_t>(R)) {}
+
+  int32_t prepare() {
+    if (!rows_.get() || !cols_.get()) return kNoMemory;
+    const size_t cells = static_cast<size_t>(R_) * H_;
+    if (cells > SIZE_MAX / 2 || spectra_.allocate(2 * cells)) return kNoMemory;
+    return lines_.allocate(4 * static_cast<size_t>(kGroup) * std::max(R_, C_));
+  }
+  cdouble* spectrum(int i) const { return spectra_.data() + static_cast<size_t>(i) * R_ * H_; }
+
+  int32_t forward(const double* in, Shape2 sh, cdouble* out) {
+    double *line = lines_.data(), *hc = line + C_;
+    for (int32_t r = 0; r < R_; ++r) {
+      cdouble* o = out + static_cast<size_t>(r) * H_;
+      if (r >= sh.rows) {
+        std::fill(o, o + H_, cdouble());
+        continue;
+      }
+      std::copy(in + static_cast<size_t>(r) * sh.cols, in + static_cast<size_t>(r + 1) * sh.cols, line);
+      std::fill(line + sh.cols, line + C_, 0.0);
+      if (int32_t rc = fft::ExecuteRealFFT(rows_.get(), line, hc, 1, 1, C_)) return rc;
+      o[0] = cdouble(hc[0], 0.0);
+      for (int32_t k = 1; k < C_ - k; ++k) o[k] = cdouble(hc[k], hc[C_ - k]);
+      if (C_ % 2 == 0) o[C_ / 2] = cdouble(hc[C_ / 2], 0.0);
+    }
+    return columns(out, false);
+  }
+
+  // The inverse of forward, the first `rows` x `cols` values into out.
+  int32_t inverse(cdouble* spec, int32_t rows, int32_t cols, double* out) {
+    if (int32_t rc = columns(spec, true)) return rc;
+    double *hc = lines_.data(), *line = hc + C_;
+    for (int32_t r = 0; r < rows; ++r) {
+      const cdouble* s = spec + static_cast<size_t>(r) * H_;
+      hc[0] = s[0].real();
+      for (int32_t k = 1; k < C_ - k; ++k) {
+        hc[k] = s[k].real();
+        hc[C_ - k] = s[k].imag();
+      }
+      if (C_ % 2 == 0) hc[C_ / 2] = s[C_ / 2].real();
+      if (int32_t rc = fft::ExecuteInverseRealFFT(rows_.get(), hc, line, 1, 1, C_)) return rc;
+      std::copy(line, line + cols, out + static_cast<size_t>(r) * cols);
+    }
+    return kOk;
+  }
+
+ private:
+  // Columns are gathered a cache line's worth at a time (kGroup complex
+  // values per row), transformed in contiguous lines and scattered back.
+  int32_t columns(cdouble* a, bool inverse) {
+    auto f = inverse ? fft::ExecuteInverseComplexFFT : fft::ExecuteComplexFFT;
+    cdouble* in = reinterpret_cast<cdouble*>(lines_.data());
+    cdouble* done = in + static_cast<size_t>(kGroup) * R_;
+    for (int32_t c0 = 0; c0 < H_; c0 += kGroup) {
+      const int32_t g = std::min(kGroup, H_ - c0);
+      for (int32_t r = 0; r < R_; ++r)
+        for (int32_t j = 0; j < g; ++j) in[static_cast<size_t>(j) * R_ + r] = a[static_cast<size_t>(r) * H_ + c0 + j];
+      for (int32_t j = 0; j < g; ++j) {
+        const double* i = reinterpret_cast<const double*>(in + static_cast<size_t>(j) * R_);
+        double* o = reinterpret_cast<double*>(done + static_cast<size_t>(j) * R_);
+        if (int32_t rc = f(cols_.get(), i, i + 1, o, o + 1, 2, 2, R_)) return rc;
+      }
+      for (int32_t r = 0; r < R_; ++r)
+        for (int32_t j = 0; j < g; ++j) a[static_cast<size_t>(r) * H_ + c0 + j] = done[static_cast<size_t>(j) * R_ + r];
+    }
+    return kOk;
+  }
+
+  static constexpr int32_t kGroup = 4;
+  int32_t R_, C_, H_;
+  fft::SharedTable rows_, cols_;
+  Scratch<cdouble> spectra_;
+  Scratch<double> lines_;
+};
+
+int32_t frequency_full(const double* x, Shape2 xs, const double* k, Shape2 ks, double* out, Shape2 full) {
+  const int64_t R = transform_length(full.rows), C = transform_length(full.cols);
+  if (R == 0 || C == 0) return kNoMemory;
+  RealSpectra w(static_cast<int32_t>(R), static_cast<int32_t>(C));
+  if (int32_t rc = w.prepare()) return rc;
+  cdouble *a = w.spectrum(0), *b = w.spectrum(1);
+  if (int32_t rc = w.forward(x, xs, a)) return rc;
+  if (int32_t rc = w.forward(k, ks, b)) return rc;
+  multiply_complex(a, b, a, static_cast<size_t>(R) * (C / 2 + 1));
+  return w.inverse(a, full.rows, full.cols, out);
+}
+
+int32_t frequency_full(const cdouble* x, Shape2 xs, const cdouble* k, Shape2 ks, cdouble* out, Shape2 full) {
   const int64_t R = transform_length(full.rows), C = transform_length(full.cols);
   if (R == 0 || C == 0) return kNoMemory;
   const size_t cells = static_cast<size_t>(R) * static_cast<size_t>(C);
@@ -38,24 +130,15 @@ int32_t frequency_full(const T* x, Shape2 xs, const T* k, Shape2 ks, T* out, Sha
   fft::SharedTable rows(static_cast<uint32_t>(C)), cols(static_cast<uint32_t>(R));
   if (!rows.get() || !cols.get()) return kNoMemory;
   const int32_t r32 = static_cast<int32_t>(R), c32 = static_cast<int32_t>(C);
-  auto forward = [&](const T* in, Shape2 sh, cdouble* o) {
-    if constexpr (std::is_same_v<T, double>)
-      return fft::forward_2d(rows.get(), cols.get(), in, nullptr, sh.rows, sh.cols, 0, 0, r32, c32, false, o);
-    else
-      return fft::forward_2d(rows.get(), cols.get(), nullptr, in, sh.rows, sh.cols, 0, 0, r32, c32, false, o);
-  };
-  if (int32_t rc = forward(x, xs, a)) return rc;
-  if (int32_t rc = forward(k, ks, b)) return rc;
+  if (int32_t rc = fft::forward_2d(rows.get(), cols.get(), nullptr, x, xs.rows, xs.cols, 0, 0, r32, c32, false, a))
+    return rc;
+  if (int32_t rc = fft::forward_2d(rows.get(), cols.get(), nullptr, k, ks.rows, ks.cols, 0, 0, r32, c32, false, b))
+    return rc;
   multiply_complex(a, b, a, cells);
   if (int32_t rc = fft::inverse_2d(rows.get(), cols.get(), a, r32, c32, false, b, nullptr)) return rc;
   for (int32_t i = 0; i < full.rows; ++i)
-    for (int32_t j = 0; j < full.cols; ++j) {
-      const cdouble v = b[static_cast<size_t>(i) * C + j];
-      if constexpr (std::is_same_v<T, double>)
-        out[static_cast<size_t>(i) * full.cols + j] = v.real();
-      else
-        out[static_cast<size_t>(i) * full.cols + j] = v;
-    }
+    std::copy(b + static_cast<size_t>(i) * C, b + static_cast<size_t>(i) * C + full.cols,
+              out + static_cast<size_t>(i) * full.cols);
   return kOk;
 }
 
