@@ -42,6 +42,9 @@ struct Seq {
   }
 };
 
+// The longest transform of a whole product; past it tables grow expensive.
+constexpr int64_t kWholeAtMost = 1 << 19;
+
 double fft_cost(double l) { return l * std::log2(std::max(l, 2.0)); }
 
 // The block length of an overlap-add run for a kernel of k values over a
@@ -94,6 +97,67 @@ int32_t overlap_add(const Seq& a, const Seq& k, int32_t B, double* out) {
   return kOk;
 }
 
+// Two long sequences: both are cut into blocks of B/2 values whose spectra
+// (length B) are taken once; output block k gathers the products of the
+// block pairs i + j = k, goes back and is added into place. Transforms of the
+// whole would be few but long, and a long transform's table costs more to
+// build than the work it saves.
+int32_t partitioned(const Seq& a, const Seq& b, int32_t B, double* out) {
+  const int32_t P = B / 2;
+  const int64_t na = (a.n + int64_t{P} - 1) / P, nb = (b.n + int64_t{P} - 1) / P;
+  Scratch<double> s;
+  if (s.allocate(static_cast<size_t>(na + nb + 2) * B)) return kNoMemory;
+  double* spectra = s.data();
+  double *acc = spectra + (na + nb) * B, *w = acc + B;
+  SharedTable t(static_cast<uint32_t>(B));
+  if (!t.get()) return kNoMemory;
+  auto block_spectrum = [&](const Seq& q, int64_t i, double* dst) {
+    const int32_t len = static_cast<int32_t>(std::min<int64_t>(P, q.n - i * P));
+    q.copy(i * P, len, w);
+    std::fill(w + len, w + B, 0.0);
+    return fft::ExecuteRealFFT(t.get(), w, dst, 1, 1, B);
+  };
+  for (int64_t i = 0; i < na; ++i)
+    if (int32_t rc = block_spectrum(a, i, spectra + i * B)) return rc;
+  for (int64_t j = 0; j < nb; ++j)
+    if (int32_t rc = block_spectrum(b, j, spectra + (na + j) * B)) return rc;
+  const int64_t total = int64_t{a.n} + b.n - 1;
+  std::fill(out, out + total, 0.0);
+  for (int64_t k = 0; k < na + nb - 1; ++k) {
+    std::fill(acc, acc + B, 0.0);
+    for (int64_t i = std::max<int64_t>(0, k - nb + 1); i <= std::min(k, na - 1); ++i)
+      multiply_add_half_complex(spectra + i * B, spectra + (na + k - i) * B, acc, B);
+    if (int32_t rc = fft::ExecuteInverseRealFFT(t.get(), acc, w, 1, 1, B)) return rc;
+    const int64_t at = k * P, count = std::min<int64_t>(B - 1, total - at);
+    for (int64_t i = 0; i < count; ++i) out[at + i] += w[i];
+  }
+  return kOk;
+}
+
+// The block length of a partitioned run, or 0 when one transform of the
+// whole is short enough that its table is cheap.
+int32_t partition_length(int64_t n, int64_t m) {
+  const int64_t whole = transform_length(n + m - 1);
+  if (whole <= kWholeAtMost || std::min(n, m) < 4) return 0;
+  double best = 0;
+  int32_t chosen = 0;
+  for (int64_t p5 = 1; p5 <= kWholeAtMost; p5 *= 5)
+    for (int64_t p3 = p5; p3 <= kWholeAtMost; p3 *= 3)
+      for (int64_t b = 2 * p3; b <= kWholeAtMost; b *= 2) {
+        if (b < 4096) continue;
+        const double na = std::ceil(2.0 * n / b), nb = std::ceil(2.0 * m / b);
+        // Transforms of every block and of every output block, and the
+        // products of every block pair (about one transform's work per B
+        // values each).
+        const double cost = (2 * (na + nb) - 1) * fft_cost(static_cast<double>(b)) + na * nb * 1.5 * b;
+        if (chosen == 0 || cost < best) {
+          best = cost;
+          chosen = static_cast<int32_t>(b);
+        }
+      }
+  return chosen;
+}
+
 // The frequency-domain product of two real sequences: x (optionally taken
 // backwards, for a correlation) and y, n + m - 1 values into out. A short
 // sequence against a long one runs block by block.
@@ -102,6 +166,7 @@ int32_t real_product(const double* x, int32_t n, const double* y, int32_t m, dou
   const Seq& longer = n >= m ? xs : ys;
   const Seq& shorter = n >= m ? ys : xs;
   if (const int32_t B = block_length(longer.n, shorter.n)) return overlap_add(longer, shorter, B, out);
+  if (const int32_t B = partition_length(n, m)) return partitioned(xs, ys, B, out);
   const int64_t total = int64_t{n} + m - 1;
   const int64_t l64 = transform_length(total);
   if (l64 == 0) return kNoMemory;

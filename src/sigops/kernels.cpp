@@ -126,6 +126,16 @@ void multiply_half_complex(const double* a, const double* b, double* p, int32_t 
   if (L % 2 == 0) p[L / 2] = a[L / 2] * b[L / 2];
 }
 
+void multiply_add_half_complex(const double* a, const double* b, double* p, int32_t L) {
+  p[0] += a[0] * b[0];
+  for (int32_t k = 1; k < L - k; ++k) {
+    const double ar = a[k], ai = a[L - k], br = b[k], bi = b[L - k];
+    p[k] += ar * br - ai * bi;
+    p[L - k] += ar * bi + ai * br;
+  }
+  if (L % 2 == 0) p[L / 2] += a[L / 2] * b[L / 2];
+}
+
 void multiply_complex(const cdouble* a, const cdouble* b, cdouble* p, size_t L) {
   const double* ad = reinterpret_cast<const double*>(a);
   const double* bd = reinterpret_cast<const double*>(b);

@@ -19,6 +19,8 @@ void direct_correlate(const double* x, int32_t n, const double* y, int32_t m, do
 // p = a b bin by bin, for half-complex spectra of length L (real
 // transforms) or complex spectra of L bins.
 void multiply_half_complex(const double* a, const double* b, double* p, int32_t L);
+// p += a b, half-complex.
+void multiply_add_half_complex(const double* a, const double* b, double* p, int32_t L);
 void multiply_complex(const cdouble* a, const cdouble* b, cdouble* p, size_t L);
 
 }  // namespace jq::sig
