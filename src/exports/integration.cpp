@@ -21,7 +21,8 @@ int32_t integrate_matrix(JQHandle samples, int32_t planes, double dx, double dy,
   Array2<const double> a(samples);
   double value = 0;
   if (reject_empty && a.empty()) return finish(kEmptyInput, value, result);
-  if (int32_t rc = integ::check_rule(method, std::max(method + 2, 0))) return finish(rc, value, result);
+  // The rule first; the sizes of each dimension are checked once known.
+  if (int32_t rc = integ::check_rule(method, INT32_MAX)) return finish(rc, value, result);
   if (a.empty() || planes < 1 || a.rows() % planes) return finish(kSizeMismatch, value, result);
   const int32_t rows = a.rows() / planes;
   const int32_t rc = planes == 1 ? integ::integrate_2d(a.data(), rows, a.cols(), dy, dx, method, &value)
