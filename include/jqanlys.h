@@ -71,5 +71,7 @@ typedef struct JQErrorCluster {
 #include "jqanlys/dct.h"
 #include "jqanlys/measure.h"
 #include "jqanlys/fir.h"
+#include "jqanlys/sigops.h"
+#include "jqanlys/integration.h"
 
 #endif
