@@ -1,0 +1,255 @@
+#include "filters/iir_prototype.hpp"
+
+#include <algorithm>
+#include <cmath>
+#include <numbers>
+
+namespace jq::iir {
+
+namespace {
+
+using cd = std::complex<double>;
+using cld = std::complex<long double>;
+constexpr double kPi = std::numbers::pi;
+
+// 10^(dB/10) - 1 without cancellation for small figures.
+double power_minus_one(double db) { return std::expm1(db * 0.1 * std::numbers::ln10); }
+
+// ---- Jacobi elliptic functions through descending Landen transformations ----
+//
+// A modulus is kept with its complement, each computed without cancellation,
+// because the elliptic designs drive one of them towards 0.
+constexpr int kMaxLanden = 40;
+
+struct Landen {
+  double v[kMaxLanden];  // the descending moduli k1, k2, ...
+  int n = 0;
+  Landen(double k, double kp) {
+    // Stops once the modulus is negligible; a degenerate k = 1 (kp = 0) stays
+    // at 1 and is bounded by the count.
+    while (n < kMaxLanden && k > 1e-18) {
+      const double kn = (k / (1 + kp)) * (k / (1 + kp));
+      kp = 2 * std::sqrt(kp) / (1 + kp);
+      v[n++] = k = kn;
+    }
+  }
+};
+
+// cd(uK, k) and sn(uK, k) for complex u (u in units of the quarter period).
+cd cde(cd u, const Landen& l) {
+  cd w = std::cos(u * (kPi / 2));
+  for (int i = l.n - 1; i >= 0; --i) w = (1 + l.v[i]) * w / (1.0 + l.v[i] * w * w);
+  return w;
+}
+cd sne(cd u, const Landen& l) {
+  cd w = std::sin(u * (kPi / 2));
+  for (int i = l.n - 1; i >= 0; --i) w = (1 + l.v[i]) * w / (1.0 + l.v[i] * w * w);
+  return w;
+}
+// The inverse of sn, in units of the quarter period.
+cd asne(cd w, double k, const Landen& l) {
+  for (int i = 0; i < l.n; ++i) {
+    const double prev = i == 0 ? k : l.v[i - 1];
+    w = w / (1.0 + std::sqrt(1.0 - w * w * (prev * prev))) * (2 / (1 + l.v[i]));
+  }
+  return 1.0 - std::acos(w) * (2 / kPi);
+}
+
+double agm(double a, double b) {
+  for (int i = 0; i < 64 && std::fabs(a - b) > 1e-16 * a; ++i) {
+    const double m = (a + b) / 2;
+    b = std::sqrt(a * b);
+    a = m;
+  }
+  return (a + b) / 2;
+}
+
+// k = (theta2/theta3)^2 of the nome q = exp(lnq), for q <= exp(-pi).
+double modulus_of_nome(double lnq) {
+  const double q = std::exp(lnq);
+  double s2 = 0, s3 = 0;
+  for (int m = 0; m < 12; ++m) {
+    s2 += std::pow(q, double(m) * (m + 1));
+    if (m > 0) s3 += std::pow(q, double(m) * m);
+  }
+  const double r = s2 / (1 + 2 * s3);
+  return 4 * std::exp(lnq / 2) * r * r;
+}
+
+// Solves the degree equation: the modulus k whose ratio K'/K is that of k1
+// divided by the order, with its complement.
+void elliptic_degree(int32_t n, double k1, double k1p, double* k, double* kp) {
+  const double lnq = -kPi * agm(1, k1p) / agm(1, k1) / n;
+  if (lnq <= -kPi) {
+    *k = modulus_of_nome(lnq);
+    *kp = std::sqrt((1 - *k) * (1 + *k));
+  } else {  // the complementary nome converges fast where q does not
+    *kp = modulus_of_nome(kPi * kPi / lnq);
+    *k = std::sqrt((1 - *kp) * (1 + *kp));
+  }
+}
+
+// ---- Bessel poles: roots of the reverse Bessel polynomial --------------------
+
+// theta_n(s) / theta_n'(s) by the three-term recurrence, rescaled as it grows.
+cld bessel_newton_step(int32_t n, cld s) {
+  cld t0 = 1, t1 = s + 1.0L, d0 = 0, d1 = 1;
+  const cld s2 = s * s;
+  for (int32_t i = 2; i <= n; ++i) {
+    const cld t2 = (2.0L * i - 1) * t1 + s2 * t0;
+    const cld d2 = (2.0L * i - 1) * d1 + 2.0L * s * t0 + s2 * d0;
+    t0 = t1, t1 = t2, d0 = d1, d1 = d2;
+    if (std::abs(t1) > 1e300L) {
+      t0 *= 1e-300L, t1 *= 1e-300L, d0 *= 1e-300L, d1 *= 1e-300L;
+    }
+  }
+  return n == 0 ? cld(0) : t1 / d1;
+}
+
+// Aberth-Ehrlich iteration over all n roots at once.
+void bessel_roots(int32_t n, cld* z) {
+  // The roots' geometric mean is theta_n(0)^(1/n) = ((2n)! / (2^n n!))^(1/n).
+  const long double r = std::exp((std::lgamma(2.0L * n + 1) - n * std::log(2.0L) - std::lgamma(n + 1.0L)) / n);
+  for (int32_t i = 0; i < n; ++i) z[i] = std::polar(r, 0.4L + 2 * std::numbers::pi_v<long double> * (i + 0.25L) / n);
+  for (int iter = 0; iter < 500; ++iter) {
+    long double worst = 0;
+    for (int32_t i = 0; i < n; ++i) {
+      const cld ratio = bessel_newton_step(n, z[i]);
+      cld sum = 0;
+      for (int32_t j = 0; j < n; ++j)
+        if (j != i) sum += 1.0L / (z[i] - z[j]);
+      const cld w = ratio / (1.0L - ratio * sum);
+      if (std::isfinite(w.real()) && std::isfinite(w.imag())) z[i] -= w;
+      worst = std::max(worst, std::abs(w) / std::max(std::abs(z[i]), 1e-300L));
+    }
+    if (!(worst > 1e-18L)) break;
+  }
+}
+
+}  // namespace
+
+int32_t Prototype::init(Family family, int32_t order, const Figures& f) {
+  family_ = family;
+  order_ = order;
+  gain_ = 1;
+  switch (family) {
+    case kChebyshev: {
+      const double eps = std::sqrt(power_minus_one(f.ripple));
+      const double mu = std::asinh(1 / eps) / order;
+      sh_ = std::sinh(mu), ch_ = std::cosh(mu);
+      if (order % 2 == 0) gain_ = 1 / std::sqrt(1 + eps * eps);
+      return kOk;
+    }
+    case kInvChebyshev: {
+      const double mu = std::asinh(std::sqrt(power_minus_one(f.attenuation))) / order;
+      sh_ = std::sinh(mu), ch_ = std::cosh(mu);
+      return kOk;
+    }
+    case kElliptic: {
+      const double ep = std::sqrt(power_minus_one(f.ripple));
+      const double es = std::sqrt(power_minus_one(f.attenuation));
+      const double k1 = ep / es;
+      const double k1p = std::sqrt((1 - k1) * (1 + k1));
+      elliptic_degree(order, k1, k1p, &k_, &kp_);
+      // The imaginary offset that puts the passband ripple at ep.
+      v0_ = (asne(cd(0, 1 / ep), k1, Landen(k1, k1p)) * cd(0, -1)).real() / order;
+      if (order % 2 == 0) gain_ = 1 / std::sqrt(1 + ep * ep);
+      return kOk;
+    }
+    case kBessel: {
+      if (int32_t rc = poles_.allocate(order)) return rc;
+      Scratch<cld> z;
+      if (int32_t rc = z.allocate(order)) return rc;
+      bessel_roots(order, z.data());
+      // Upper half plane by falling imaginary part; an odd order's real root
+      // then sits at index order / 2.
+      std::sort(z.data(), z.data() + order, [](const cld& a, const cld& b) { return a.imag() > b.imag(); });
+      const int32_t pairs = order / 2;
+      // Scale so that |H(j)| = 1/sqrt(2): the edge is the half-power point.
+      auto excess = [&](double w) {
+        long double s = 0;
+        for (int32_t i = 0; i < pairs; ++i) {
+          const cld p = z[i];
+          s += std::log(std::norm(cld(0, w) - p) / std::norm(p)) + std::log(std::norm(cld(0, w) - std::conj(p)) / std::norm(p));
+        }
+        if (order % 2) s += std::log((z[pairs].real() * z[pairs].real() + (long double)w * w) / (z[pairs].real() * z[pairs].real()));
+        return static_cast<double>(s - std::log(2.0L));
+      };
+      double lo = 0, hi = 1;
+      for (int i = 0; i < 2000 && excess(hi) < 0; ++i) lo = hi, hi *= 2;
+      for (int i = 0; i < 200 && hi - lo > 1e-17 * hi; ++i) {
+        const double mid = (lo + hi) / 2;
+        (excess(mid) < 0 ? lo : hi) = mid;
+      }
+      const double w3 = (lo + hi) / 2;
+      for (int32_t i = 0; i < order; ++i) poles_[i] = cd(double(z[i].real() / w3), double(z[i].imag() / w3));
+      if (order % 2) poles_[pairs] = cd(poles_[pairs].real(), 0);
+      return kOk;
+    }
+    case kButterworth:
+      return kOk;
+  }
+  return kOk;
+}
+
+AnalogSection Prototype::real_pole() const {
+  switch (family_) {
+    case kChebyshev:
+      return {0, sh_, 0, sh_};
+    case kInvChebyshev:
+      return {0, 1 / sh_, 0, 1 / sh_};
+    case kElliptic: {
+      const double p = -(sne(cd(0, v0_), Landen(k_, kp_)) * cd(0, 1)).real();
+      return {0, p, 0, p};
+    }
+    case kBessel: {
+      const double p = -poles_[order_ / 2].real();
+      return {0, p, 0, p};
+    }
+    default:
+      return {0, 1, 0, 1};
+  }
+}
+
+AnalogSection Prototype::pair(int64_t k) const {
+  const double phi = kPi / 2 + kPi * (2 * k + 1) / (2.0 * order_);
+  const double g = k == 0 ? gain_ : 1;
+  switch (family_) {
+    case kChebyshev: {
+      const double re = sh_ * std::cos(phi), im = ch_ * std::sin(phi);
+      const double d0 = re * re + im * im;
+      return {0, d0 * g, -2 * re, d0};
+    }
+    case kInvChebyshev: {
+      // The reciprocal of the Chebyshev pole, with zeros at +-j / sin(phi).
+      const double re = sh_ * std::cos(phi), im = ch_ * std::sin(phi);
+      const double m = re * re + im * im;
+      const double d0 = 1 / m, s = std::sin(phi);
+      return {d0 * s * s, d0, -2 * re / m, d0};
+    }
+    case kElliptic:
+      return elliptic_pair(k);
+    case kBessel:
+      return bessel_pair(k);
+    default:
+      return {0, 1, -2 * std::cos(phi), 1};
+  }
+}
+
+AnalogSection Prototype::elliptic_pair(int64_t k) const {
+  const Landen l(k_, kp_);
+  const double u = (2.0 * k + 1) / order_;
+  const double zero = 1 / (k_ * cde(cd(u, 0), l).real());
+  const cd p = cde(cd(u, -v0_), l) * cd(0, 1);
+  const double d0 = std::norm(p);
+  const double g = k == 0 ? gain_ : 1;
+  return {d0 / (zero * zero) * g, d0 * g, -2 * p.real(), d0};
+}
+
+AnalogSection Prototype::bessel_pair(int64_t k) const {
+  const cd p = poles_[k];
+  const double d0 = std::norm(p);
+  return {0, d0, -2 * p.real(), d0};
+}
+
+}  // namespace jq::iir
