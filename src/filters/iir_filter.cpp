@@ -3,6 +3,9 @@
 #include <algorithm>
 #include <cfloat>
 #include <cmath>
+#include <type_traits>
+
+#include <emmintrin.h>
 
 #include "frame/errors.hpp"
 #include "frame/scratch.hpp"
@@ -20,47 +23,148 @@ template <class T> struct Promote;
 template <> struct Promote<double> { using type = double; };
 template <> struct Promote<cdouble> { using type = cdouble; };
 
+// Runs one sample through section k: its state s (newest first) and its
+// coefficients a (m values) and b (m + 1 values). Each sum over the state is
+// formed on its own, first term first, then combined with the new value.
+template <int M, class T> inline T section_step(T v, T* s, const double* a, const double* b) {
+  T fb = a[0] * s[0], ff = b[1] * s[0];
+#pragma GCC unroll 4
+  for (int i = 1; i < M; ++i) fb += a[i] * s[i], ff += b[i + 1] * s[i];
+  const T w = v - fb;
+  const T y = b[0] * w + ff;
+#pragma GCC unroll 4
+  for (int i = M - 1; i > 0; --i) s[i] = s[i - 1];
+  s[0] = flush(w);
+  return y;
+}
+
+// The steady part of a skewed pass over real samples, two sections to a
+// vector: lanes do exactly the scalar arithmetic, so results do not change.
+template <int M, int NS, bool Last>
+void steady_pairs(double* x, int64_t n, const double* a, const double* b, double (*s)[M], double* in) {
+  constexpr int P = NS / 2;
+  __m128d S[P][M], A[P][M], B[P][M + 1], IN[P];
+#pragma GCC unroll 4
+  for (int p = 0; p < P; ++p) {
+    const int k0 = 2 * p, k1 = 2 * p + 1;
+#pragma GCC unroll 4
+    for (int i = 0; i < M; ++i) {
+      S[p][i] = _mm_set_pd(s[k1][i], s[k0][i]);
+      A[p][i] = _mm_set_pd(a[k1 * M + i], a[k0 * M + i]);
+    }
+#pragma GCC unroll 5
+    for (int i = 0; i <= M; ++i) B[p][i] = _mm_set_pd(b[k1 * (M + 1) + i], b[k0 * (M + 1) + i]);
+    IN[p] = _mm_set_pd(in[k1], p ? in[k0] : 0.0);
+  }
+  const __m128d magnitude = _mm_castsi128_pd(_mm_set1_epi64x(0x7fffffffffffffff));
+  const __m128d tiny = _mm_set1_pd(DBL_MIN);
+  for (int64_t t = NS - 1; t < n; ++t) {
+    IN[0] = _mm_move_sd(IN[0], _mm_load_sd(x + t));
+    __m128d Y[P];
+#pragma GCC unroll 4
+    for (int p = 0; p < P; ++p) {
+      __m128d fb = _mm_mul_pd(A[p][0], S[p][0]), ff = _mm_mul_pd(B[p][1], S[p][0]);
+#pragma GCC unroll 4
+      for (int i = 1; i < M; ++i) {
+        fb = _mm_add_pd(fb, _mm_mul_pd(A[p][i], S[p][i]));
+        ff = _mm_add_pd(ff, _mm_mul_pd(B[p][i + 1], S[p][i]));
+      }
+      const __m128d w = _mm_sub_pd(IN[p], fb);
+      Y[p] = _mm_add_pd(_mm_mul_pd(B[p][0], w), ff);
+#pragma GCC unroll 4
+      for (int i = M - 1; i > 0; --i) S[p][i] = S[p][i - 1];
+      // Not (|w| <= DBL_MIN) keeps NaN, as the scalar flush does.
+      S[p][0] = _mm_and_pd(w, _mm_cmpnle_pd(_mm_and_pd(w, magnitude), tiny));
+    }
+    const double y = _mm_cvtsd_f64(_mm_unpackhi_pd(Y[P - 1], Y[P - 1]));
+    x[t - (NS - 1)] = Last ? flush(y) : y;
+    IN[0] = _mm_unpacklo_pd(Y[0], Y[0]);
+#pragma GCC unroll 4
+    for (int p = 1; p < P; ++p) IN[p] = _mm_shuffle_pd(Y[p - 1], Y[p], 1);
+  }
+#pragma GCC unroll 4
+  for (int p = 0; p < P; ++p) {
+#pragma GCC unroll 4
+    for (int i = 0; i < M; ++i) {
+      s[2 * p][i] = _mm_cvtsd_f64(S[p][i]);
+      s[2 * p + 1][i] = _mm_cvtsd_f64(_mm_unpackhi_pd(S[p][i], S[p][i]));
+    }
+    in[2 * p] = _mm_cvtsd_f64(IN[p]);
+    in[2 * p + 1] = _mm_cvtsd_f64(_mm_unpackhi_pd(IN[p], IN[p]));
+  }
+}
+
 // One pass of up to four consecutive sections over the whole block, their
-// states held in locals so that the compiler keeps them in registers; the
-// sections' recurrences then overlap from one sample to the next.
+// states in locals the compiler keeps in registers. The sections run skewed:
+// in step t section k takes sample t - k, the output section k - 1 gave in the
+// step before, so the sections' recurrences in one step are independent and
+// overlap instead of waiting for each other. Each section still sees its
+// samples in order, so the results are those of running them one by one.
 template <int M, int NS, bool Last, class T>
 void sections(T* x, int64_t n, const double* a, const double* b, T* state) {
   T s[NS][M];
+#pragma GCC unroll 4
   for (int k = 0; k < NS; ++k)
+#pragma GCC unroll 4
     for (int i = 0; i < M; ++i) s[k][i] = state[k * M + i];
-  for (int64_t t = 0; t < n; ++t) {
-    T v = x[t];
-    for (int k = 0; k < NS; ++k) {
-      const double* ak = a + k * M;
-      const double* bk = b + k * (M + 1);
-      T w = v;
-      for (int i = 0; i < M; ++i) w -= ak[i] * s[k][i];
-      T y = bk[0] * w;
-      for (int i = 0; i < M; ++i) y += bk[i + 1] * s[k][i];
-      for (int i = M - 1; i > 0; --i) s[k][i] = s[k][i - 1];
-      s[k][0] = flush(w);
-      v = y;
+  auto out = [&](int64_t t, T y) { x[t] = Last ? flush(y) : y; };
+  if (n < NS) {
+    for (int64_t t = 0; t < n; ++t) {
+      T v = x[t];
+      for (int k = 0; k < NS; ++k) v = section_step<M>(v, s[k], a + k * M, b + k * (M + 1));
+      out(t, v);
     }
-    x[t] = Last ? flush(v) : v;
+  } else {
+    T in[NS];  // in[k]: the sample waiting for section k (k >= 1)
+    // Filling: in step t only sections 0..t have a sample.
+    for (int64_t t = 0; t < NS - 1; ++t)
+      for (int64_t k = t; k >= 0; --k) in[k + 1] = section_step<M>(k ? in[k] : x[t], s[k], a + k * M, b + k * (M + 1));
+    if constexpr (std::is_same_v<T, double> && NS % 2 == 0) {
+      steady_pairs<M, NS, Last>(x, n, a, b, s, in);
+    } else {
+      for (int64_t t = NS - 1; t < n; ++t) {
+#pragma GCC unroll 4
+        for (int k = NS - 1; k >= 0; --k) {
+          const T y = section_step<M>(k ? in[k] : x[t], s[k], a + k * M, b + k * (M + 1));
+          if (k == NS - 1)
+            out(t - (NS - 1), y);
+          else
+            in[k + 1] = y;
+        }
+      }
+    }
+    // Draining: sections k > t - n finish the last samples.
+    for (int64_t t = n; t < n + NS - 1; ++t)
+      for (int64_t k = NS - 1; k > t - n; --k) {
+        const T y = section_step<M>(in[k], s[k], a + k * M, b + k * (M + 1));
+        if (k == NS - 1)
+          out(t - (NS - 1), y);
+        else
+          in[k + 1] = y;
+      }
   }
+#pragma GCC unroll 4
   for (int k = 0; k < NS; ++k)
+#pragma GCC unroll 4
     for (int i = 0; i < M; ++i) state[k * M + i] = s[k][i];
 }
 
 template <int M, class T>
 void cascade_m(T* x, int64_t n, int64_t ns, const double* a, const double* b, T* state) {
-  for (int64_t k = 0; k < ns; k += 4) {
+  // Passes of four sections; three left over run as two and one, so that
+  // sections pair up in vectors.
+  for (int64_t k = 0, step; k < ns; k += step) {
     const int64_t left = ns - k;
-    const bool last = left <= 4;
+    step = left == 3 ? 2 : std::min<int64_t>(left, 4);
+    const bool last = left == step;
     const double* ak = a + k * M;
     const double* bk = b + k * (M + 1);
     T* sk = state + k * M;
 #define JQ_RUN(NS)                                         \
   (last ? sections<M, NS, true>(x, n, ak, bk, sk) : sections<M, NS, false>(x, n, ak, bk, sk))
-    switch (left) {
+    switch (step) {
       case 1: JQ_RUN(1); break;
       case 2: JQ_RUN(2); break;
-      case 3: JQ_RUN(3); break;
       default: JQ_RUN(4); break;
     }
 #undef JQ_RUN
@@ -94,7 +198,9 @@ int32_t direct_form(const X* x, Y* y, int64_t n, const C* a, int64_t na, const C
     }
     acc += b[0] * xt;
     if (na > 0) {
-      for (int64_t j = 0; j < na - 1; ++j) acc -= a[na - 1 - j] * rstate[j];
+      Y fb{};
+      for (int64_t j = 0; j < na - 1; ++j) fb += a[na - 1 - j] * rstate[j];
+      acc -= fb;
       const Y out = flush(Y(acc / a[0]));
       for (int64_t j = 0; j + 1 < na - 1; ++j) rstate[j] = rstate[j + 1];
       if (na > 1) rstate[na - 2] = out;
