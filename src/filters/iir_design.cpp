@@ -215,6 +215,8 @@ int32_t check_request(Family family, const Figures& f, const DesignRequest& r, d
     }
   }
   if (r.type < 0 || r.type > 3 || r.topology < 0 || r.topology > 1) return kBadSelector;
+  // Bessel poles come from a dense system whose cost grows with the cube of the order.
+  if (family == kBessel && r.order > kMaxBesselOrder) return kBadSelector;
   const Lengths need = coefficient_lengths(r.order, r.type, r.topology);
   if (r.reverse_capacity < need.reverse || r.forward_capacity < need.forward) return kCoefficientLength;
   return kOk;

@@ -16,6 +16,9 @@ namespace jq::iir {
 enum FilterType : int32_t { kLowpass = 0, kHighpass = 1, kBandpass = 2, kBandstop = 3 };
 enum Topology : int32_t { kSecondOrder = 0, kFourthOrder = 1 };
 
+// The highest Bessel order designed (far beyond any useful one).
+constexpr int32_t kMaxBesselOrder = 200;
+
 struct Lengths {
   int64_t reverse, forward;
 };

@@ -1,5 +1,7 @@
 #include "filters/iir_prototype.hpp"
 
+#include "frame/errors.hpp"
+
 #include <algorithm>
 #include <cmath>
 #include <numbers>
@@ -91,39 +93,78 @@ void elliptic_degree(int32_t n, double k1, double k1p, double* k, double* kp) {
 
 // ---- Bessel poles: roots of the reverse Bessel polynomial --------------------
 
-// theta_n(s) / theta_n'(s) by the three-term recurrence, rescaled as it grows.
-cld bessel_newton_step(int32_t n, cld s) {
-  cld t0 = 1, t1 = s + 1.0L, d0 = 0, d1 = 1;
-  const cld s2 = s * s;
-  for (int32_t i = 2; i <= n; ++i) {
-    const cld t2 = (2.0L * i - 1) * t1 + s2 * t0;
-    const cld d2 = (2.0L * i - 1) * d1 + 2.0L * s * t0 + s2 * d0;
-    t0 = t1, t1 = t2, d0 = d1, d1 = d2;
-    if (std::abs(t1) > 1e300L) {
-      t0 *= 1e-300L, t1 *= 1e-300L, d0 *= 1e-300L, d1 *= 1e-300L;
-    }
+// Starting points for the poles: the roots s of the reverse Bessel polynomial.
+void bessel_roots_start(int32_t n, cld* z) {
+  // Starting points: Campos and Calderon's asymptotic approximation of the
+  // zeros x of the ordinary Bessel polynomial, s = 1/x.
+  const long double N = n;
+  const long double S = 2 * N * N - 3 * N * N * N * N + N * N * N * N * N, R = 2 * N * N + N * N * N;
+  const long double b3 = (16 - 8 * N) / S, b2 = (-24 - 12 * N + 12 * N * N) / S;
+  const long double b1 = (8 + 24 * N - 12 * N * N - 2 * N * N * N) / S, b0 = (-6 * N + 5 * N * N * N - N * N * N * N) / S;
+  const long double a1 = (-6 - 6 * N) / R, a2 = 6 / R;
+  for (int32_t i = 0; i < n; ++i) {
+    const long double k = i + 1;
+    z[i] = n == 1 ? cld(-1) : 1.0L / cld(a1 * k + a2 * k * k, b0 + b1 * k + b2 * k * k + b3 * k * k * k);
   }
-  return n == 0 ? cld(0) : t1 / d1;
 }
 
-// Aberth-Ehrlich iteration over all n roots at once.
-void bessel_roots(int32_t n, cld* z) {
-  // The roots' geometric mean is theta_n(0)^(1/n) = ((2n)! / (2^n n!))^(1/n).
-  const long double r = std::exp((std::lgamma(2.0L * n + 1) - n * std::log(2.0L) - std::lgamma(n + 1.0L)) / n);
-  for (int32_t i = 0; i < n; ++i) z[i] = std::polar(r, 0.4L + 2 * std::numbers::pi_v<long double> * (i + 0.25L) / n);
-  for (int iter = 0; iter < 500; ++iter) {
-    long double worst = 0;
+// Refines the roots through the zeros x = 1/s of the ordinary Bessel
+// polynomial, which satisfy sum over j != i of 1/(x_i - x_j) + (x_i + 1)/x_i² = 0
+// (from x²y'' + 2(x + 1)y' = n(n + 1)y). Newton's method on these relations
+// never evaluates the polynomial, whose values near its roots cancel badly
+// at high orders, so it keeps full precision at any order.
+int32_t bessel_roots_polish(int32_t n, cld* z) {
+  Scratch<cld> jac, x, f;
+  if (jac.allocate(size_t(n) * n) || x.allocate(n) || f.allocate(n)) return kNoMemory;
+  for (int32_t i = 0; i < n; ++i) x[i] = 1.0L / z[i];
+  for (int iter = 0; iter < 100; ++iter) {
     for (int32_t i = 0; i < n; ++i) {
-      const cld ratio = bessel_newton_step(n, z[i]);
-      cld sum = 0;
-      for (int32_t j = 0; j < n; ++j)
-        if (j != i) sum += 1.0L / (z[i] - z[j]);
-      const cld w = ratio / (1.0L - ratio * sum);
-      if (std::isfinite(w.real()) && std::isfinite(w.imag())) z[i] -= w;
-      worst = std::max(worst, std::abs(w) / std::max(std::abs(z[i]), 1e-300L));
+      cld fi = (x[i] + 1.0L) / (x[i] * x[i]), d = -1.0L / (x[i] * x[i]) - 2.0L / (x[i] * x[i] * x[i]);
+      for (int32_t j = 0; j < n; ++j) {
+        if (j == i) continue;
+        const cld q = 1.0L / (x[i] - x[j]);
+        fi += q;
+        d -= q * q;
+        jac[size_t(i) * n + j] = q * q;
+      }
+      jac[size_t(i) * n + i] = d;
+      f[i] = -fi;
     }
+    // Gaussian elimination with partial pivoting; f becomes the step.
+    for (int32_t c = 0; c < n; ++c) {
+      int32_t piv = c;
+      for (int32_t r = c + 1; r < n; ++r)
+        if (std::abs(jac[size_t(r) * n + c]) > std::abs(jac[size_t(piv) * n + c])) piv = r;
+      if (jac[size_t(piv) * n + c] == cld(0)) return kOk;
+      if (piv != c) {
+        for (int32_t k = 0; k < n; ++k) std::swap(jac[size_t(c) * n + k], jac[size_t(piv) * n + k]);
+        std::swap(f[c], f[piv]);
+      }
+      const cld inv = 1.0L / jac[size_t(c) * n + c];
+      for (int32_t r = c + 1; r < n; ++r) {
+        const cld m = jac[size_t(r) * n + c] * inv;
+        if (m == cld(0)) continue;
+        for (int32_t k = c + 1; k < n; ++k) jac[size_t(r) * n + k] -= m * jac[size_t(c) * n + k];
+        f[r] -= m * f[c];
+      }
+    }
+    long double worst = 0;
+    for (int32_t c = n - 1; c >= 0; --c) {
+      cld v = f[c];
+      for (int32_t k = c + 1; k < n; ++k) v -= jac[size_t(c) * n + k] * f[k];
+      f[c] = v / jac[size_t(c) * n + c];
+    }
+    for (int32_t i = 0; i < n; ++i) {
+      if (!std::isfinite(f[i].real()) || !std::isfinite(f[i].imag())) return kOk;
+      worst = std::max(worst, std::abs(f[i]) / std::abs(x[i]));
+    }
+    // Far from the solution the steps are damped to a tenth of each zero's size.
+    const long double damp = worst > 0.1L ? 0.1L / worst : 1.0L;
+    for (int32_t i = 0; i < n; ++i) x[i] += damp * f[i];
+    for (int32_t i = 0; i < n; ++i) z[i] = 1.0L / x[i];
     if (!(worst > 1e-18L)) break;
   }
+  return kOk;
 }
 
 }  // namespace
@@ -160,7 +201,8 @@ int32_t Prototype::init(Family family, int32_t order, const Figures& f) {
       if (int32_t rc = poles_.allocate(order)) return rc;
       Scratch<cld> z;
       if (int32_t rc = z.allocate(order)) return rc;
-      bessel_roots(order, z.data());
+      bessel_roots_start(order, z.data());
+      if (int32_t rc = bessel_roots_polish(order, z.data())) return rc;
       // Upper half plane by falling imaginary part; an odd order's real root
       // then sits at index order / 2.
       std::sort(z.data(), z.data() + order, [](const cld& a, const cld& b) { return a.imag() > b.imag(); });

@@ -166,6 +166,7 @@ TEST(IirDesign, RejectionsInValidationOrderLeaveBothArraysEmpty) {
       R{"elliptic attenuation below ripple", -20028, call({3, 0, 2, 0, 100, 10, 0, 3, 3})},
       R{"type 4", -20061, call({4, 4, 2, 0, 100, 10, 20, 0, 0})},
       R{"topology 2", -20061, call({0, 0, 2, 2, 100, 10, 0, 0, 0})},
+      R{"Bessel order 201", -20061, call({4, 0, 201, 0, 100, 10, 0, 0, 0})},
       R{"reverse resize fails", -20001, call({0, 0, 4, 0, 100, 10, 0, 0, 0}), 1},
       R{"forward resize fails", -20001, call({3, 3, 4, 0, 100, 10, 20, 1, 40}), 2},
       R{"order beyond any array", -20001, call({0, 2, INT32_MAX, 0, 100, 10, 20, 0, 0})},

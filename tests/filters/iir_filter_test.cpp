@@ -39,7 +39,9 @@ template <class T> void expect_near(const std::vector<T>& y, const double* re, c
   ASSERT_EQ(y.size(), size_t(N));
   for (int i = 0; i < N; ++i) {
     EXPECT_NEAR(std::real(y[i]), re[i], tol) << i;
-    if (im) EXPECT_NEAR(std::imag(y[i]), im[i], tol) << i;
+    if (im) {
+      EXPECT_NEAR(std::imag(y[i]), im[i], tol) << i;
+    }
   }
 }
 
