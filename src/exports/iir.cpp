@@ -52,8 +52,11 @@ Figures both(const double* r, const double* a) { return {value_or_nan(r), value_
 
 // ---- filter state -----------------------------------------------------------
 
-// Resizes an array to no elements (its count reads 0 even if the host refuses).
+// Resizes an array to no elements (its count reads 0 even if the host
+// refuses). A null handle is already empty: resizing it would only make the
+// host allocate a block the caller never sees.
 template <class T> void empty_array(JQHandle h) {
+  if (!h) return;
   Out<T> o(h);
   Outputs outs(o);
   outs.fail(kOk);
