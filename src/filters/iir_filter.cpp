@@ -28,11 +28,11 @@ template <> struct Promote<cdouble> { using type = cdouble; };
 // formed on its own, first term first, then combined with the new value.
 template <int M, class T> inline T section_step(T v, T* s, const double* a, const double* b) {
   T fb = a[0] * s[0], ff = b[1] * s[0];
-#pragma GCC unroll 4
+#pragma GCC unroll 8
   for (int i = 1; i < M; ++i) fb += a[i] * s[i], ff += b[i + 1] * s[i];
   const T w = v - fb;
   const T y = b[0] * w + ff;
-#pragma GCC unroll 4
+#pragma GCC unroll 8
   for (int i = M - 1; i > 0; --i) s[i] = s[i - 1];
   s[0] = flush(w);
   return y;
@@ -44,10 +44,10 @@ template <int M, int NS, bool Last>
 void steady_pairs(double* x, int64_t n, const double* a, const double* b, double (*s)[M], double* in) {
   constexpr int P = NS / 2;
   __m128d S[P][M], A[P][M], B[P][M + 1], IN[P];
-#pragma GCC unroll 4
+#pragma GCC unroll 8
   for (int p = 0; p < P; ++p) {
     const int k0 = 2 * p, k1 = 2 * p + 1;
-#pragma GCC unroll 4
+#pragma GCC unroll 8
     for (int i = 0; i < M; ++i) {
       S[p][i] = _mm_set_pd(s[k1][i], s[k0][i]);
       A[p][i] = _mm_set_pd(a[k1 * M + i], a[k0 * M + i]);
@@ -61,17 +61,17 @@ void steady_pairs(double* x, int64_t n, const double* a, const double* b, double
   for (int64_t t = NS - 1; t < n; ++t) {
     IN[0] = _mm_move_sd(IN[0], _mm_load_sd(x + t));
     __m128d Y[P];
-#pragma GCC unroll 4
+#pragma GCC unroll 8
     for (int p = 0; p < P; ++p) {
       __m128d fb = _mm_mul_pd(A[p][0], S[p][0]), ff = _mm_mul_pd(B[p][1], S[p][0]);
-#pragma GCC unroll 4
+#pragma GCC unroll 8
       for (int i = 1; i < M; ++i) {
         fb = _mm_add_pd(fb, _mm_mul_pd(A[p][i], S[p][i]));
         ff = _mm_add_pd(ff, _mm_mul_pd(B[p][i + 1], S[p][i]));
       }
       const __m128d w = _mm_sub_pd(IN[p], fb);
       Y[p] = _mm_add_pd(_mm_mul_pd(B[p][0], w), ff);
-#pragma GCC unroll 4
+#pragma GCC unroll 8
       for (int i = M - 1; i > 0; --i) S[p][i] = S[p][i - 1];
       // Not (|w| <= DBL_MIN) keeps NaN, as the scalar flush does.
       S[p][0] = _mm_and_pd(w, _mm_cmpnle_pd(_mm_and_pd(w, magnitude), tiny));
@@ -79,12 +79,12 @@ void steady_pairs(double* x, int64_t n, const double* a, const double* b, double
     const double y = _mm_cvtsd_f64(_mm_unpackhi_pd(Y[P - 1], Y[P - 1]));
     x[t - (NS - 1)] = Last ? flush(y) : y;
     IN[0] = _mm_unpacklo_pd(Y[0], Y[0]);
-#pragma GCC unroll 4
+#pragma GCC unroll 8
     for (int p = 1; p < P; ++p) IN[p] = _mm_shuffle_pd(Y[p - 1], Y[p], 1);
   }
-#pragma GCC unroll 4
+#pragma GCC unroll 8
   for (int p = 0; p < P; ++p) {
-#pragma GCC unroll 4
+#pragma GCC unroll 8
     for (int i = 0; i < M; ++i) {
       s[2 * p][i] = _mm_cvtsd_f64(S[p][i]);
       s[2 * p + 1][i] = _mm_cvtsd_f64(_mm_unpackhi_pd(S[p][i], S[p][i]));
@@ -94,7 +94,7 @@ void steady_pairs(double* x, int64_t n, const double* a, const double* b, double
   }
 }
 
-// One pass of up to four consecutive sections over the whole block, their
+// One pass of consecutive sections over the whole block, their
 // states in locals the compiler keeps in registers. The sections run skewed:
 // in step t section k takes sample t - k, the output section k - 1 gave in the
 // step before, so the sections' recurrences in one step are independent and
@@ -103,9 +103,9 @@ void steady_pairs(double* x, int64_t n, const double* a, const double* b, double
 template <int M, int NS, bool Last, class T>
 void sections(T* x, int64_t n, const double* a, const double* b, T* state) {
   T s[NS][M];
-#pragma GCC unroll 4
+#pragma GCC unroll 8
   for (int k = 0; k < NS; ++k)
-#pragma GCC unroll 4
+#pragma GCC unroll 8
     for (int i = 0; i < M; ++i) s[k][i] = state[k * M + i];
   auto out = [&](int64_t t, T y) { x[t] = Last ? flush(y) : y; };
   if (n < NS) {
@@ -123,7 +123,7 @@ void sections(T* x, int64_t n, const double* a, const double* b, T* state) {
       steady_pairs<M, NS, Last>(x, n, a, b, s, in);
     } else {
       for (int64_t t = NS - 1; t < n; ++t) {
-#pragma GCC unroll 4
+#pragma GCC unroll 8
         for (int k = NS - 1; k >= 0; --k) {
           const T y = section_step<M>(k ? in[k] : x[t], s[k], a + k * M, b + k * (M + 1));
           if (k == NS - 1)
@@ -143,29 +143,41 @@ void sections(T* x, int64_t n, const double* a, const double* b, T* state) {
           in[k + 1] = y;
       }
   }
-#pragma GCC unroll 4
+#pragma GCC unroll 8
   for (int k = 0; k < NS; ++k)
-#pragma GCC unroll 4
+#pragma GCC unroll 8
     for (int i = 0; i < M; ++i) state[k * M + i] = s[k][i];
 }
 
 template <int M, class T>
 void cascade_m(T* x, int64_t n, int64_t ns, const double* a, const double* b, T* state) {
-  // Passes of four sections; three left over run as two and one, so that
-  // sections pair up in vectors.
+  // Passes of up to eight real sections (four complex ones), an even number
+  // where possible so that sections pair up in vectors; an odd one is left
+  // to a pass of its own.
+  constexpr int64_t most = std::is_same_v<T, double> ? 8 : 4;
   for (int64_t k = 0, step; k < ns; k += step) {
     const int64_t left = ns - k;
-    step = left == 3 ? 2 : std::min<int64_t>(left, 4);
+    step = left > most ? most : left > 1 ? left & ~int64_t{1} : 1;
     const bool last = left == step;
     const double* ak = a + k * M;
     const double* bk = b + k * (M + 1);
     T* sk = state + k * M;
 #define JQ_RUN(NS)                                         \
   (last ? sections<M, NS, true>(x, n, ak, bk, sk) : sections<M, NS, false>(x, n, ak, bk, sk))
-    switch (step) {
-      case 1: JQ_RUN(1); break;
-      case 2: JQ_RUN(2); break;
-      default: JQ_RUN(4); break;
+    if constexpr (std::is_same_v<T, double>) {
+      switch (step) {
+        case 1: JQ_RUN(1); break;
+        case 2: JQ_RUN(2); break;
+        case 4: JQ_RUN(4); break;
+        case 6: JQ_RUN(6); break;
+        default: JQ_RUN(8); break;
+      }
+    } else {
+      switch (step) {
+        case 1: JQ_RUN(1); break;
+        case 2: JQ_RUN(2); break;
+        default: JQ_RUN(4); break;
+      }
     }
 #undef JQ_RUN
   }
@@ -183,32 +195,55 @@ template <class T> void cascade(T* x, int64_t n, int32_t m, int64_t ns, const do
 template void cascade<double>(double*, int64_t, int32_t, int64_t, const double*, const double*, double*);
 template void cascade<cdouble>(cdouble*, int64_t, int32_t, int64_t, const double*, const double*, cdouble*);
 
+// Dividing by exactly 1 changes nothing, so a real a0 of 1 skips the
+// division (complex division is left alone: its special cases differ).
+template <class C> bool unit_leading(const C& a0) {
+  if constexpr (std::is_same_v<C, double>)
+    return a0 == 1.0;
+  else
+    return false;
+}
+
 template <class X, class C, class Y>
 int32_t direct_form(const X* x, Y* y, int64_t n, const C* a, int64_t na, const C* b, int64_t nb, X* fstate,
                     Y* rstate) {
   if (n < 1 || nb < 1) return kEmptyInput;
-  for (int64_t t = 0; t < n; ++t) {
-    const X xt = x[t];
-    Y acc{};
-    // Oldest history value first, paired with the highest coefficient; the
-    // history moves one place toward its start as it is read.
-    for (int64_t j = 0; j < nb - 1; ++j) {
-      acc += b[nb - 1 - j] * fstate[j];
-      fstate[j] = j + 1 < nb - 1 ? fstate[j + 1] : xt;
+  // The histories run on, oldest first, into buffers that take a chunk of
+  // samples after them, so no value moves from one sample to the next.
+  constexpr int64_t kChunk = 2048;
+  const int64_t hf = nb - 1, hr = na > 0 ? na - 1 : 0;
+  Scratch<X> xb;
+  Scratch<Y> yb;
+  if (xb.allocate(static_cast<size_t>(hf + kChunk)) || yb.allocate(static_cast<size_t>(hr + kChunk))) return kNoMemory;
+  std::copy(fstate, fstate + hf, xb.data());
+  std::copy(rstate, rstate + hr, yb.data());
+  const bool unit = na > 0 && unit_leading(a[0]);
+  for (int64_t t0 = 0; t0 < n; t0 += kChunk) {
+    const int64_t len = std::min(kChunk, n - t0);
+    std::copy(x + t0, x + t0 + len, xb.data() + hf);
+    for (int64_t t = 0; t < len; ++t) {
+      // Oldest history value first, paired with the highest coefficient.
+      const X* h = xb.data() + t;
+      Y acc{};
+      for (int64_t j = 0; j < hf; ++j) acc += b[hf - j] * h[j];
+      acc += b[0] * h[hf];
+      if (na > 0) {
+        const Y* r = yb.data() + t;
+        Y fb{};
+        for (int64_t j = 0; j < hr; ++j) fb += a[hr - j] * r[j];
+        acc -= fb;
+        const Y out = flush(unit ? acc : Y(acc / a[0]));
+        yb[static_cast<size_t>(hr + t)] = out;
+        y[t0 + t] = out;
+      } else {
+        y[t0 + t] = acc;
+      }
     }
-    acc += b[0] * xt;
-    if (na > 0) {
-      Y fb{};
-      for (int64_t j = 0; j < na - 1; ++j) fb += a[na - 1 - j] * rstate[j];
-      acc -= fb;
-      const Y out = flush(Y(acc / a[0]));
-      for (int64_t j = 0; j + 1 < na - 1; ++j) rstate[j] = rstate[j + 1];
-      if (na > 1) rstate[na - 2] = out;
-      y[t] = out;
-    } else {
-      y[t] = acc;
-    }
+    std::copy(xb.data() + len, xb.data() + len + hf, xb.data());
+    std::copy(yb.data() + len, yb.data() + len + hr, yb.data());
   }
+  std::copy(xb.data(), xb.data() + hf, fstate);
+  std::copy(yb.data(), yb.data() + hr, rstate);
   return kOk;
 }
 template int32_t direct_form<double, double, double>(const double*, double*, int64_t, const double*, int64_t,

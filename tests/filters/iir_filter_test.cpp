@@ -105,12 +105,17 @@ TEST(IirFilter, EveryFormMatchesScipyAndBlocksEqualOneCall) {
            EXPECT_EQ(IIR_Filter2(p.h(), &top, qa.h(), qb.h(), st.h(), first ? restart : go, &err), 0);
          });
        }, nullptr, oracle::kSosOut, nullptr},
-      {"IIR_Filter2 three sections (a pair and a single)", [&](auto& cuts) {
+      {"IIR_Filter2 three and seven sections (the odd one apart)", [&](auto& cuts) {
          int32_t top = 0;
-         Arr a3(std::vector<double>(sa.data(), sa.data() + 6)), b3(std::vector<double>(sb.data(), sb.data() + 9));
-         return in_blocks<double>(x, cuts, [&](Arr& p, bool first) {
-           EXPECT_EQ(IIR_Filter2(p.h(), &top, a3.h(), b3.h(), st.h(), first ? restart : go, &err), 0);
-         });
+         std::vector<double> out;
+         for (int k : {3, 7}) {
+           Arr ak(std::vector<double>(sa.data(), sa.data() + 2 * k)), bk(std::vector<double>(sb.data(), sb.data() + 3 * k));
+           const auto y = in_blocks<double>(x, cuts, [&](Arr& p, bool first) {
+             EXPECT_EQ(IIR_Filter2(p.h(), &top, ak.h(), bk.h(), st.h(), first ? restart : go, &err), 0);
+           });
+           out.insert(out.end(), y.begin(), y.end());
+         }
+         return out;
        }, nullptr, nullptr, nullptr},
       {"CxSigIIR_Filter", nullptr, [&](auto& cuts) {
          return in_blocks<cd>(xc, cuts, [&](CArr& p, bool first) {
