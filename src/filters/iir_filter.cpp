@@ -204,6 +204,28 @@ template <class C> bool unit_leading(const C& a0) {
     return false;
 }
 
+// One chunk of a real filter whose polynomials have the same length H + 1,
+// the commonest shape, with the loops unrolled by the compiler.
+template <int H>
+void real_chunk(const double* h, double* r, double* y, int64_t len, const double* a, const double* b, bool unit) {
+  for (int64_t t = 0; t < len; ++t, ++h, ++r) {
+    double acc = 0, fb = 0;
+#pragma GCC unroll 8
+    for (int j = 0; j < H; ++j) acc += b[H - j] * h[j];
+    acc += b[0] * h[H];
+#pragma GCC unroll 8
+    for (int j = 0; j < H; ++j) fb += a[H - j] * r[j];
+    acc -= fb;
+    const double out = flush(unit ? acc : acc / a[0]);
+    r[H] = out;
+    y[t] = out;
+  }
+}
+
+using RealChunk = void (*)(const double*, double*, double*, int64_t, const double*, const double*, bool);
+constexpr RealChunk kRealChunks[] = {nullptr, real_chunk<1>, real_chunk<2>, real_chunk<3>, real_chunk<4>,
+                                     real_chunk<5>, real_chunk<6>, real_chunk<7>, real_chunk<8>};
+
 template <class X, class C, class Y>
 int32_t direct_form(const X* x, Y* y, int64_t n, const C* a, int64_t na, const C* b, int64_t nb, X* fstate,
                     Y* rstate) {
@@ -221,6 +243,14 @@ int32_t direct_form(const X* x, Y* y, int64_t n, const C* a, int64_t na, const C
   for (int64_t t0 = 0; t0 < n; t0 += kChunk) {
     const int64_t len = std::min(kChunk, n - t0);
     std::copy(x + t0, x + t0 + len, xb.data() + hf);
+    if constexpr (std::is_same_v<X, double> && std::is_same_v<C, double> && std::is_same_v<Y, double>) {
+      if (na == nb && hf >= 1 && hf <= 8) {
+        kRealChunks[hf](xb.data(), yb.data(), y + t0, len, a, b, unit);
+        std::copy(xb.data() + len, xb.data() + len + hf, xb.data());
+        std::copy(yb.data() + len, yb.data() + len + hr, yb.data());
+        continue;
+      }
+    }
     for (int64_t t = 0; t < len; ++t) {
       // Oldest history value first, paired with the highest coefficient.
       const X* h = xb.data() + t;
