@@ -240,18 +240,16 @@ int32_t direct_form(const X* x, Y* y, int64_t n, const C* a, int64_t na, const C
   std::copy(fstate, fstate + hf, xb.data());
   std::copy(rstate, rstate + hr, yb.data());
   const bool unit = na > 0 && unit_leading(a[0]);
+  constexpr bool real = std::is_same_v<X, double> && std::is_same_v<C, double> && std::is_same_v<Y, double>;
+  RealChunk unrolled = nullptr;
+  if constexpr (real)
+    if (na == nb && hf >= 1 && hf <= 8) unrolled = kRealChunks[hf];
   for (int64_t t0 = 0; t0 < n; t0 += kChunk) {
     const int64_t len = std::min(kChunk, n - t0);
     std::copy(x + t0, x + t0 + len, xb.data() + hf);
-    if constexpr (std::is_same_v<X, double> && std::is_same_v<C, double> && std::is_same_v<Y, double>) {
-      if (na == nb && hf >= 1 && hf <= 8) {
-        kRealChunks[hf](xb.data(), yb.data(), y + t0, len, a, b, unit);
-        std::copy(xb.data() + len, xb.data() + len + hf, xb.data());
-        std::copy(yb.data() + len, yb.data() + len + hr, yb.data());
-        continue;
-      }
-    }
-    for (int64_t t = 0; t < len; ++t) {
+    if constexpr (real)
+      if (unrolled) unrolled(xb.data(), yb.data(), y + t0, len, a, b, unit);
+    for (int64_t t = 0; t < len && !unrolled; ++t) {
       // Oldest history value first, paired with the highest coefficient.
       const X* h = xb.data() + t;
       Y acc{};
