@@ -205,21 +205,30 @@ template <class C> bool unit_leading(const C& a0) {
 }
 
 // One chunk of a real filter whose polynomials have the same length H + 1,
-// the commonest shape, with the loops unrolled by the compiler.
+// the commonest shape, with the loops unrolled and the past outputs held in
+// registers (they feed back at once, so going through memory would delay
+// every sample). The buffer r still ends with the last H outputs.
 template <int H>
 void real_chunk(const double* h, double* r, double* y, int64_t len, const double* a, const double* b, bool unit) {
-  for (int64_t t = 0; t < len; ++t, ++h, ++r) {
+  double past[H];
+#pragma GCC unroll 8
+  for (int j = 0; j < H; ++j) past[j] = r[j];
+  for (int64_t t = 0; t < len; ++t, ++h) {
     double acc = 0, fb = 0;
 #pragma GCC unroll 8
     for (int j = 0; j < H; ++j) acc += b[H - j] * h[j];
     acc += b[0] * h[H];
 #pragma GCC unroll 8
-    for (int j = 0; j < H; ++j) fb += a[H - j] * r[j];
+    for (int j = 0; j < H; ++j) fb += a[H - j] * past[j];
     acc -= fb;
     const double out = flush(unit ? acc : acc / a[0]);
-    r[H] = out;
+#pragma GCC unroll 8
+    for (int j = 0; j + 1 < H; ++j) past[j] = past[j + 1];
+    past[H - 1] = out;
     y[t] = out;
   }
+#pragma GCC unroll 8
+  for (int j = 0; j < H; ++j) r[len + j] = past[j];
 }
 
 using RealChunk = void (*)(const double*, double*, double*, int64_t, const double*, const double*, bool);
