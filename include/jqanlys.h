@@ -69,5 +69,6 @@ typedef struct JQErrorCluster {
 #include "jqanlys/windows.h"
 #include "jqanlys/dct.h"
 #include "jqanlys/iir.h"
+#include "jqanlys/measure.h"
 
 #endif

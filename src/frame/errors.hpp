@@ -54,6 +54,14 @@ enum Code : int32_t {
   kBadAttenuation = -20025,          // a stopband attenuation not positive
   kAttenuationBelowRipple = -20028,  // an elliptic attenuation not above its ripple
   kCoefficientLength = -20066,       // coefficient or state lengths that do not fit the sections
+
+  // Measurements: state levels.
+  kConstantSignal = -20309,     // every sample equal: a histogram has no width
+  kNoLevelSamples = -20312,     // no samples to take levels from
+  kBadSampleInterval = -20315,  // the sample interval is not above 0
+  kBadLevelMethod = -20316,     // a level method other than 0, 1 or 2
+  kBadBinCount = -20317,        // fewer than 1 histogram bin
+  kWarnWeakState = 20021,       // warning: a state's mode holds under 5 % of the samples
 };
 
 }  // namespace jq
