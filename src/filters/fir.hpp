@@ -9,6 +9,9 @@
 
 namespace jq::fir {
 
+inline constexpr double kPi = 3.141592653589793;
+inline constexpr double kTwoPi = 6.283185307179586;
+
 // Selective types of the ideal-response design.
 enum FilterType : int32_t { kLowpass = 0, kHighpass = 1, kBandpass = 2, kBandstop = 3 };
 
