@@ -215,11 +215,5 @@ JQ_EXPORT int32_t SavitzkyGolayCoefH(int32_t side_points, int32_t order, JQHandl
 }
 
 JQ_EXPORT int32_t SavitzkyGolayFiltH(JQHandle x, int32_t side_points, int32_t order) {
-  return in_place(x, [&](double* p, int32_t n) -> int32_t {
-    // The smoothing reads the original samples while the output is written.
-    Scratch<double> copy;
-    if (copy.allocate(n) != kOk) return kNoMemory;
-    std::copy(p, p + n, copy.data());
-    return fir::savgol_filter(copy.data(), n, side_points, order, p);
-  });
+  return in_place(x, [&](double* p, int32_t n) { return fir::savgol_filter(p, n, side_points, order, p); });
 }
