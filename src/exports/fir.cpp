@@ -153,7 +153,7 @@ JQ_EXPORT int32_t Parks(int32_t* taps, double* fs, JQHandle bands, int32_t* type
   if (error) *error = kOk;
   const double rate = value_of(fs);
   bool infinite = std::isinf(rate);
-  for (int32_t i = 0; i < nb * 4; ++i) infinite = infinite || std::isinf(b.data()[i]);
+  for (int64_t i = 0; i < int64_t{nb} * 4; ++i) infinite = infinite || std::isinf(b.data()[i]);
   auto fail = [&](int32_t code) {
     if (deviation) *deviation = std::numeric_limits<double>::quiet_NaN();
     return outs.report(code, error);

@@ -70,6 +70,8 @@ template <class T> class State {
   int32_t fit(int64_t n) {
     if (count(out_.handle()) == n) return 0;
     fresh_ = true;
+    // Two histories joined can outgrow a host count: refused as a resize would be.
+    if (n > INT32_MAX) return kNoMemory;
     return host_resize(Out<T>::type_code, 1, out_.slot(), static_cast<int32_t>(n), 0);
   }
   bool fresh() const { return fresh_; }
