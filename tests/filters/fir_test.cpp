@@ -377,12 +377,6 @@ TEST(FirMultirate, RejectionsEmptyOutputStateAndCounts) {
                      },
                      b.fail});
   jqtest::expect_rejections<double>(cases);
-  jqtest::expect_rejections<cf>({{"single-precision complex, no taps", -20003, [&](uint8_t** state) {
-                                    jqrt::Array<cf> in{cf(1, 2)}, y;
-                                    int32_t count, phase;
-                                    return ppMultiRateFIRH_CSG(in.h(), y.h(), state, none.h(), 0, 1, 1, 0, &count,
-                                                               &phase);
-                                  }}});
 }
 
 TEST(FirSavgol, MatchesSavgolCoeffsAndFilter) {
