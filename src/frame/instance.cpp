@@ -4,6 +4,7 @@
 
 #include "frame/errors.hpp"
 #include "frame/host.hpp"
+#include "frame/scratch.hpp"
 
 namespace jq {
 namespace {
@@ -19,7 +20,7 @@ int32_t cleanup_measurement(void* instance) {
 
 int32_t acquire(void** slot, MeasurementInstance** out, bool register_cleanup) {
   if (!*slot) {
-    auto* m = static_cast<MeasurementInstance*>(std::calloc(1, sizeof(MeasurementInstance)));
+    auto* m = scratch_zeroed<MeasurementInstance>(1);
     if (!m) return kNoMemory;
     *slot = m;
     if (register_cleanup) host::set_cleanup_proc(cleanup_measurement, m, host::kRegister);
