@@ -145,7 +145,7 @@ void fill(void* data, int32_t code, int64_t count, Data d) {
 
 // How one argument is made.
 struct Value {
-  enum Tag { kArray, kNullHandle, kNullMaster, kCounts, kNumber, kNullPointer } tag = kArray;
+  enum Tag { kArray, kNullHandle, kNullMaster, kCounts, kNumber, kNullPointer, kBytes } tag = kArray;
   int32_t d0 = 16, d1 = 4;  // kArray: the real sizes; kCounts: the sizes written over a valid block
   Data data = Data::kSmooth;
   double number = 0;  // kNumber: the scalar, or what a pointer points at
@@ -193,7 +193,9 @@ bool named(const Param& p, std::initializer_list<const char*> parts) {
 Value default_value(const Param& p) {
   if (p.kind == Kind::kHandle) return p.dir == Dir::kOut ? array(3, 2) : array(16, 4);
   if (is_real_kind(p)) return number(0.5);
-  if (named(p, {"start", "offset", "delay", "shift", "seed", "method", "symmetric", "unit_gain", "exclude", "spacing",
+  // A seed of 1 restarts a generator, so that a valid call draws real numbers.
+  if (named(p, {"seed"})) return number(1);
+  if (named(p, {"start", "offset", "delay", "shift", "method", "symmetric", "unit_gain", "exclude", "spacing",
                  "interpolation", "selector"}))
     return number(0);
   if (named(p, {"rows", "cols"})) return number(4);
@@ -235,8 +237,11 @@ struct Frame {
         case Kind::kReal: a.d = v.number; break;
         case Kind::kPointer: a.p = make_pointee(p, v, storage[i]); break;
         case Kind::kRecord:
+          // Records start zero-filled, as a host that never wrote them holds
+          // them, or filled with one byte; results start as garbage.
           storage[i].assign((p.bytes * p.count + 7) / 8 + 1, 0);
-          if (p.dir == Dir::kOut) std::memset(storage[i].data(), 0x5a, storage[i].size() * 8);
+          if (p.dir == Dir::kOut || v.tag == Value::kBytes)
+            std::memset(storage[i].data(), p.dir == Dir::kOut ? 0x5a : static_cast<int>(v.number), storage[i].size() * 8);
           a.p = storage[i].data();
           break;
         case Kind::kOpaque: a.p = nullptr; break;  // only null can be passed for a type the sweep cannot make
@@ -435,7 +440,7 @@ class Sweep {
     for (int i = 0; i < e.count; ++i) {
       const Param& p = e.params[i];
       if (p.kind == Kind::kHandle && p.dir != Dir::kIn && f.handles[i] && *f.handles[i]) {
-        const int32_t d0 = jqrt_dim(f.handles[i], 0), d1 = jqrt_dim(f.handles[i], 1);
+        const int32_t d0 = jqrt_dim(f.handles[i], 0), d1 = p.rank == 2 ? jqrt_dim(f.handles[i], 1) : 0;
         if (d0 != 0 || (p.rank == 2 && d1 != 0))
           o.problem += std::string("output '") + p.name + "' not emptied on error " + std::to_string(o.code) + "; ";
       }
@@ -495,7 +500,14 @@ class Sweep {
       if (p.kind == Kind::kHandle) handle_cases(p, [&](const Value& v, const std::string& w) { with(i, v, w); });
       else if (p.kind == Kind::kSlot) with(i, tagged(Value::kNullPointer), "null slot pointer");
       else if (is_scalar_input(p)) scalar_cases(p, [&](const Value& v, const std::string& w) { with(i, v, w); });
+      else if (p.kind == Kind::kRecord && p.dir == Dir::kInOut)
+        for (int byte : {0xa5, 0xff, 0x7f}) {
+          Value v = number(byte);
+          v.tag = Value::kBytes;
+          with(i, v, "every byte " + std::to_string(byte));
+        }
     }
+    if (!light_) scalar_pairs(e, base);
     // All inputs empty at once, and all of length 1.
     std::vector<Value> empty = base, single = base;
     bool any = false;
@@ -538,6 +550,26 @@ class Sweep {
       with(array(16, 4, static_cast<Data>(d)), std::string("data: ") + name_of(static_cast<Data>(d)));
   }
 
+  // Every pair of scalars at once over a few values each, so that a selector
+  // meets each odd parameter.
+  void scalar_pairs(const Export& e, const std::vector<Value>& base) {
+    auto values = [](const Param& p) {
+      return is_real_kind(p) ? std::vector<double>{kNaN, kInf, -kInf, 0.0, -1.0, kMax, 1e-300, 0.5}
+                             : std::vector<double>{-1, 0, 1, 2, 3, 61, 2147483647.0, -2147483648.0};
+    };
+    for (int i = 0; i < e.count; ++i)
+      for (int j = i + 1; j < e.count; ++j) {
+        if (!is_scalar_input(e.params[i]) || !is_scalar_input(e.params[j])) continue;
+        for (double a : values(e.params[i]))
+          for (double b : values(e.params[j])) {
+            std::vector<Value> v = base;
+            v[i] = number(a);
+            v[j] = number(b);
+            call(e, v, std::string(e.params[i].name) + "=" + text(a) + ", " + e.params[j].name + "=" + text(b));
+          }
+      }
+  }
+
   template <class F> static void scalar_cases(const Param& p, F with) {
     if (is_real_kind(p)) {
       for (double x : {kNaN, kInf, -kInf, 0.0, -1.0, 1.0, kMax, -kMax, kDenormal, 1e-300, 1e300})
@@ -547,8 +579,9 @@ class Sweep {
     } else if (p.kind == Kind::kUInt || (p.kind == Kind::kPointer && p.code == kU32)) {
       for (double x : {0.0, 1.0, 2.0, 3.0, 1000.0, 2147483647.0, 4294967295.0}) with(number(x), text(x));
     } else {
-      for (double x : {-1.0, 0.0, 1.0, 2.0, 3.0, 1000.0, 2147483647.0, -2147483648.0})
-        with(number(x), text(x));
+      // Small values reach every selector and mode of today's families.
+      for (double x = -2; x <= 64; ++x) with(number(x), text(x));
+      for (double x : {100.0, 1000.0, 65536.0, 2147483647.0, -2147483648.0}) with(number(x), text(x));
     }
   }
 
