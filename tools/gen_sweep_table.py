@@ -110,6 +110,8 @@ def result_kind(ret, structs):
         return "Result::kVoid", None
     if ret == "int32_t":
         return "Result::kCode", None
+    if ret in SCALARS:
+        return "Result::kValue", None
     m = re.match(r"(\w+)\s*\*$", ret)
     if m and m.group(1) in structs and structs[m.group(1)] is None:
         return "Result::kObject", m.group(1)
@@ -161,6 +163,8 @@ def main():
             call = f"{name}({', '.join(casts)})"
             if rkind == "Result::kVoid":
                 body = f"{call};\n  return 0;"
+            elif rkind == "Result::kValue":
+                body = f"(void){call};\n  return 0;"
             elif rkind == "Result::kCode":
                 body = f"return {call};"
             else:

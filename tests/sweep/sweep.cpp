@@ -426,7 +426,7 @@ class Sweep {
   // the host's status after one of its resizes failed.
   static int32_t code_of(const Export& e, const Frame& f, Outcome& o, bool resized) {
     if (e.result == Result::kObject) return o.result ? 0 : -20001;
-    if (e.result == Result::kVoid) return 0;
+    if (e.result == Result::kVoid || e.result == Result::kValue) return 0;
     if (!f.error) return static_cast<int32_t>(o.result);
     const int32_t code = *f.error;
     if (code == 12345) o.problem += "the error parameter was not written; ";
@@ -469,6 +469,15 @@ class Sweep {
     std::vector<Value> v;
     for (int i = 0; i < e.count; ++i) v.push_back(default_value(e.params[i]));
     valid_ = call(e, v, "valid call").code >= 0;
+    // Vectors as long as a matrix's side, for exports that pair them.
+    bool has_matrix = false;
+    for (int i = 0; i < e.count; ++i) has_matrix |= e.params[i].kind == Kind::kHandle && e.params[i].rank == 2;
+    if (!valid_ && has_matrix) {
+      std::vector<Value> w = v;
+      for (int i = 0; i < e.count; ++i)
+        if (is_handle_input(e.params[i]) && e.params[i].rank == 1) w[i] = array(4);
+      if ((valid_ = call(e, w, "valid call with vectors of 4").code >= 0)) v = w;
+    }
     for (int i = 0; i < e.count && !valid_; ++i) {
       if (!is_scalar_input(e.params[i])) continue;
       const Value keep = v[i];
@@ -608,7 +617,7 @@ class Sweep {
   // The valid call with each host resize, then each internal allocation,
   // failing in turn: -20001, outputs empty, and the next call succeeds.
   void sweep_faults(const Export& e, const std::vector<Value>& base) {
-    if (e.result == Result::kVoid) return;
+    if (e.result == Result::kVoid || e.result == Result::kValue) return;
     int64_t resizes = 0, allocations = 0;
     {
       Frame f(e);

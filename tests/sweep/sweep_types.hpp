@@ -10,7 +10,8 @@ enum class Kind { kHandle, kSlot, kInt, kUInt, kByte, kReal, kPointer, kOpaque, 
 enum class Dir { kNone, kIn, kOut, kInOut };
 // Element types a pointer parameter points at.
 enum Elem : int32_t { kI32 = 1, kU32, kU8, kF64, kF32 };
-enum class Result { kVoid, kCode, kObject };
+// kValue: a scalar result that is not a code (the sweep only checks the call survives).
+enum class Result { kVoid, kValue, kCode, kObject };
 
 struct Param {
   Kind kind;
