@@ -1,8 +1,8 @@
 // Eight threads at once through the state the library shares or keeps per
 // call site: the process-wide FFT table list (every thread asks for the same
-// lengths from its own call sites, and for tables of its own), _IDP
-// instances (one slot per thread) and the noise generators (one generator
-// state per thread). Each result must equal the one computed alone first;
+// lengths from its own call sites, and for tables of its own), transform and
+// measurement instances, plain and _IDP (one slot per thread), and the noise
+// generators (one generator state per thread). Each result must equal the one computed alone first;
 // run under ThreadSanitizer, no access may race.
 //
 //   jqthreads [seconds]
@@ -29,9 +29,10 @@ struct Round {
   std::vector<cd> fft64, fft60;
   std::vector<double> spectrum, noise;
   std::vector<uint32_t> binomial;
+  double levels[2][3] = {};
   bool operator==(const Round& o) const {
     return fft64 == o.fft64 && fft60 == o.fft60 && spectrum == o.spectrum && noise == o.noise &&
-           binomial == o.binomial;
+           binomial == o.binomial && std::memcmp(levels, o.levels, sizeof levels) == 0;
   }
 };
 
@@ -46,12 +47,15 @@ struct Sites {
   void* fft_plain = nullptr;  // clean-up registered with the host
   void* fft_idp = nullptr;
   void* spectrum_idp = nullptr;
+  void* levels_plain = nullptr;  // clean-up registered with the host
+  void* levels_idp = nullptr;
   JQRandomState state{};
   JQBinomialCache cache{};
 
   ~Sites() {
     TransformUnreserveProc(&fft_idp);
     TransformUnreserveProc(&spectrum_idp);
+    MeasurementUnreserveProc(&levels_idp);
   }
 };
 
@@ -71,6 +75,14 @@ bool round_of(Sites& s, int seed, Round* r) {
   if (white(noise.h(), &n, &amplitude, &seed_arg, &error, &s.state) != 0 || error != 0) return false;
   jqrt::Array<uint32_t> binomial;
   if (BinomialNoiseH(binomial.h(), 16, 20, 0.3, seed, &s.state, &s.cache) != 0) return false;
+  // A square wave: two clear states, histogram method.
+  std::vector<double> square(200);
+  for (int i = 0; i < 200; ++i) square[i] = (i / 25) % 2 ? 2.5 : -0.5;
+  jqrt::Array<double> wave(square);
+  double* lv = r->levels[0];
+  if (StateLevels(wave.h(), 0, 1, 0, 64, &s.levels_plain, &lv[0], &lv[1], &lv[2], 0) < 0) return false;
+  lv = r->levels[1];
+  if (StateLevels_IDP(wave.h(), 0, 1, 0, 64, &s.levels_idp, &lv[0], &lv[1], &lv[2], 0) < 0) return false;
   r->fft64 = y.values();
   r->fft60 = y60.values();
   r->spectrum = power.values();
