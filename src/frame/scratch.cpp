@@ -16,6 +16,8 @@ bool may_allocate(size_t bytes) {
 }
 }  // namespace
 
+bool scratch_injected_failure() { return !may_allocate(0); }
+
 int32_t scratch_alloc(void** p, size_t bytes) {
   *p = may_allocate(bytes) ? std::malloc(bytes) : nullptr;
   return *p ? kOk : kNoMemory;

@@ -13,6 +13,10 @@ namespace jq {
 int32_t scratch_alloc(void** p, size_t bytes);
 int32_t scratch_free(void* p);
 
+// Counts one allocation made elsewhere (the linear-algebra module's aligned
+// blocks) and tells whether the test hook below wants it to fail.
+bool scratch_injected_failure();
+
 // Zero-filled, like calloc; counted and failed like scratch_alloc. Tables
 // and instance blocks come from here, so that every internal allocation can
 // be made to fail.
