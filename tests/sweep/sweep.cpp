@@ -177,8 +177,11 @@ std::string text(double x) {
 bool is_handle_input(const Param& p) { return p.kind == Kind::kHandle && p.dir != Dir::kOut; }
 bool is_scalar(const Param& p) { return p.kind >= Kind::kInt && p.kind <= Kind::kReal; }
 bool is_scalar_input(const Param& p) { return is_scalar(p) || (p.kind == Kind::kPointer && p.dir != Dir::kOut); }
+// The int32 out-argument of the exports that report their code there
+// rather than returning it: named error, or status in the matrix families.
 bool is_error_param(const Param& p) {
-  return p.kind == Kind::kPointer && p.dir == Dir::kOut && p.code == kI32 && std::strcmp(p.name, "error") == 0;
+  return p.kind == Kind::kPointer && p.dir == Dir::kOut && p.code == kI32 && p.count == 1 &&
+         (std::strcmp(p.name, "error") == 0 || std::strcmp(p.name, "status") == 0);
 }
 bool is_real_kind(const Param& p) {
   return p.kind == Kind::kReal || (p.kind == Kind::kPointer && (p.code == kF64 || p.code == kF32));
