@@ -62,12 +62,17 @@ typedef struct JQErrorCluster {
 #include "jqanlys/frame.h"
 #include "jqanlys/spectra.h"
 #include "jqanlys/stats.h"
+#include "jqanlys/distributions.h"
 #include "jqanlys/special.h"
 #include "jqanlys/noise.h"
 #include "jqanlys/transforms.h"
 #include "jqanlys/waveforms.h"
 #include "jqanlys/windows.h"
 #include "jqanlys/dct.h"
+#include "jqanlys/iir.h"
 #include "jqanlys/measure.h"
+#include "jqanlys/fir.h"
+#include "jqanlys/sigops.h"
+#include "jqanlys/integration.h"
 
 #endif
