@@ -8,9 +8,10 @@ std::atomic<int64_t> g_allocations{0};
 std::atomic<int64_t> g_fail_at{0};
 }  // namespace
 
+bool scratch_injected_failure() { return ++g_allocations == g_fail_at.load(std::memory_order_relaxed); }
+
 int32_t scratch_alloc(void** p, size_t bytes) {
-  const int64_t call = ++g_allocations;
-  *p = call == g_fail_at.load(std::memory_order_relaxed) ? nullptr : std::malloc(bytes);
+  *p = scratch_injected_failure() ? nullptr : std::malloc(bytes);
   return *p ? kOk : kNoMemory;
 }
 

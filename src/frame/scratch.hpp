@@ -13,6 +13,10 @@ namespace jq {
 int32_t scratch_alloc(void** p, size_t bytes);
 int32_t scratch_free(void* p);
 
+// Counts one allocation made elsewhere (the linear-algebra module's aligned
+// blocks) and tells whether the test hook below wants it to fail.
+bool scratch_injected_failure();
+
 // Test hook: makes the nth scratch allocation from now fail, as an exhausted
 // heap would (1 = the next one); 0 disables. Later allocations succeed again.
 void fail_scratch_allocation(int64_t nth);

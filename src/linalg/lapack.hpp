@@ -1,0 +1,114 @@
+// Typed access to the module's routines, and one name per operation for real
+// and complex data (Blas<double>::getrf is dgetrf, Blas<cdouble>::getrf is
+// zgetrf), so that the computing routines are written once for both.
+//
+// LAPACK takes every argument by pointer and column-major matrices; the CBLAS
+// calls here are all row-major (101) without transposition (111) unless
+// their caller says otherwise. Callers check ready() before the first call.
+#pragma once
+#include <complex>
+#include <cstdint>
+
+#include "linalg/module.hpp"
+
+namespace jq::linalg {
+
+using cdouble = std::complex<double>;
+using I = int32_t;
+
+constexpr int kRowMajor = 101, kColMajor = 102, kNoTrans = 111, kTrans = 112, kConjTrans = 113;
+constexpr int kUpper = 121, kLower = 122;
+
+template <class F> F* bound(Routine r) { return reinterpret_cast<F*>(routines()[static_cast<int>(r)]); }
+
+#define JQ_CALL(name, ...) bound<decltype(sig_##name)>(Routine::name)(__VA_ARGS__)
+
+// Prototypes, only to give each routine its type.
+void sig_MKL_free(void*);
+void* sig_MKL_malloc(size_t, int);
+void sig_cblas_dcopy(I, const double*, I, double*, I);
+void sig_cblas_zcopy(I, const void*, I, void*, I);
+double sig_cblas_ddot(I, const double*, I, const double*, I);
+void sig_cblas_zdotu_sub(I, const void*, I, const void*, I, void*);
+void sig_cblas_zdotc_sub(I, const void*, I, const void*, I, void*);
+double sig_cblas_dnrm2(I, const double*, I);
+double sig_cblas_dznrm2(I, const void*, I);
+void sig_cblas_dscal(I, double, double*, I);
+void sig_cblas_zscal(I, const void*, void*, I);
+void sig_cblas_daxpy(I, double, const double*, I, double*, I);
+void sig_cblas_zaxpy(I, const void*, const void*, I, void*, I);
+size_t sig_cblas_idamax(I, const double*, I);
+void sig_cblas_dgemm(int, int, int, I, I, I, double, const double*, I, const double*, I, double, double*, I);
+void sig_cblas_zgemm(int, int, int, I, I, I, const void*, const void*, I, const void*, I, const void*, void*, I);
+void sig_cblas_dgemv(int, int, I, I, double, const double*, I, const double*, I, double, double*, I);
+void sig_cblas_zgemv(int, int, I, I, const void*, const void*, I, const void*, I, const void*, void*, I);
+void sig_dgetrf(const I*, const I*, double*, const I*, I*, I*);
+void sig_zgetrf(const I*, const I*, cdouble*, const I*, I*, I*);
+void sig_dgetri(const I*, double*, const I*, const I*, double*, const I*, I*);
+void sig_zgetri(const I*, cdouble*, const I*, const I*, cdouble*, const I*, I*);
+void sig_dpotrf(const char*, const I*, double*, const I*, I*);
+void sig_zpotrf(const char*, const I*, cdouble*, const I*, I*);
+void sig_dpotri(const char*, const I*, double*, const I*, I*);
+void sig_zpotri(const char*, const I*, cdouble*, const I*, I*);
+void sig_dgesv(const I*, const I*, double*, const I*, I*, double*, const I*, I*);
+void sig_zgesv(const I*, const I*, cdouble*, const I*, I*, cdouble*, const I*, I*);
+void sig_dposv(const char*, const I*, const I*, double*, const I*, double*, const I*, I*);
+void sig_zposv(const char*, const I*, const I*, cdouble*, const I*, cdouble*, const I*, I*);
+void sig_dtrtri(const char*, const char*, const I*, double*, const I*, I*);
+void sig_ztrtri(const char*, const char*, const I*, cdouble*, const I*, I*);
+void sig_dgesdd(const char*, const I*, const I*, double*, const I*, double*, double*, const I*, double*, const I*,
+                double*, const I*, I*, I*);
+void sig_zgesdd(const char*, const I*, const I*, cdouble*, const I*, double*, cdouble*, const I*, cdouble*, const I*,
+                cdouble*, const I*, double*, I*, I*);
+void sig_dsyevd(const char*, const char*, const I*, double*, const I*, double*, double*, const I*, I*, const I*, I*);
+void sig_zheevd(const char*, const char*, const I*, cdouble*, const I*, double*, cdouble*, const I*, double*,
+                const I*, I*, const I*, I*);
+void sig_dgeev(const char*, const char*, const I*, double*, const I*, double*, double*, double*, const I*, double*,
+               const I*, double*, const I*, I*);
+void sig_zgeev(const char*, const char*, const I*, cdouble*, const I*, cdouble*, cdouble*, const I*, cdouble*,
+               const I*, cdouble*, const I*, double*, I*);
+void sig_dgelsd(const I*, const I*, const I*, double*, const I*, double*, const I*, double*, const double*, I*,
+                double*, const I*, I*, I*);
+
+// Per-type names of the operations written once for real and complex data.
+template <class T> struct Blas;
+
+template <> struct Blas<double> {
+  static void copy(I n, const double* x, I incx, double* y, I incy) { JQ_CALL(cblas_dcopy, n, x, incx, y, incy); }
+  static void gemm(I m, I n, I k, const double* a, I lda, const double* b, I ldb, double* c, I ldc) {
+    JQ_CALL(cblas_dgemm, kRowMajor, kNoTrans, kNoTrans, m, n, k, 1.0, a, lda, b, ldb, 0.0, c, ldc);
+  }
+  static void gemv(I m, I n, const double* a, const double* x, double* y) {
+    JQ_CALL(cblas_dgemv, kRowMajor, kNoTrans, m, n, 1.0, a, n, x, 1, 0.0, y, 1);
+  }
+  static void getrf(I m, I n, double* a, I lda, I* ipiv, I* info) { JQ_CALL(dgetrf, &m, &n, a, &lda, ipiv, info); }
+  static void getri(I n, double* a, I lda, const I* ipiv, double* work, I lwork, I* info) {
+    JQ_CALL(dgetri, &n, a, &lda, ipiv, work, &lwork, info);
+  }
+  static void potrf(char uplo, I n, double* a, I lda, I* info) { JQ_CALL(dpotrf, &uplo, &n, a, &lda, info); }
+  static void gesv(I n, I nrhs, double* a, I lda, I* ipiv, double* b, I ldb, I* info) {
+    JQ_CALL(dgesv, &n, &nrhs, a, &lda, ipiv, b, &ldb, info);
+  }
+};
+
+template <> struct Blas<cdouble> {
+  static void copy(I n, const cdouble* x, I incx, cdouble* y, I incy) { JQ_CALL(cblas_zcopy, n, x, incx, y, incy); }
+  static void gemm(I m, I n, I k, const cdouble* a, I lda, const cdouble* b, I ldb, cdouble* c, I ldc) {
+    const cdouble one = 1.0, zero = 0.0;
+    JQ_CALL(cblas_zgemm, kRowMajor, kNoTrans, kNoTrans, m, n, k, &one, a, lda, b, ldb, &zero, c, ldc);
+  }
+  static void gemv(I m, I n, const cdouble* a, const cdouble* x, cdouble* y) {
+    const cdouble one = 1.0, zero = 0.0;
+    JQ_CALL(cblas_zgemv, kRowMajor, kNoTrans, m, n, &one, a, n, x, 1, &zero, y, 1);
+  }
+  static void getrf(I m, I n, cdouble* a, I lda, I* ipiv, I* info) { JQ_CALL(zgetrf, &m, &n, a, &lda, ipiv, info); }
+  static void getri(I n, cdouble* a, I lda, const I* ipiv, cdouble* work, I lwork, I* info) {
+    JQ_CALL(zgetri, &n, a, &lda, ipiv, work, &lwork, info);
+  }
+  static void potrf(char uplo, I n, cdouble* a, I lda, I* info) { JQ_CALL(zpotrf, &uplo, &n, a, &lda, info); }
+  static void gesv(I n, I nrhs, cdouble* a, I lda, I* ipiv, cdouble* b, I ldb, I* info) {
+    JQ_CALL(zgesv, &n, &nrhs, a, &lda, ipiv, b, &ldb, info);
+  }
+};
+
+}  // namespace jq::linalg
