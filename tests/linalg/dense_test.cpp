@@ -132,6 +132,7 @@ TEST(Dense, ProductEdges) {
   for (int i = 0; i < k * n; ++i) g.data()[i] = std::cos(0.01 * i);
   EXPECT_EQ(MatrixMul_head(big.h(), g.h(), rb.h(), &st), 0);
   EXPECT_EQ(st, 0);
+  ASSERT_EQ(rb.rows(), m);
   for (int i : {0, 1529, 1530, 3059, 3060, 3099})
     for (int j = 0; j < n; ++j) {
       long double s = 0;
