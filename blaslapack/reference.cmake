@@ -46,7 +46,18 @@ list(TRANSFORM cblas PREPEND ${src}/CBLAS/src/)
 list(TRANSFORM cblas APPEND .c)
 configure_file(${src}/CBLAS/include/cblas_mangling_with_flags.h.in ${CMAKE_CURRENT_BINARY_DIR}/include/cblas_mangling.h COPYONLY)
 
-add_library(${JQBL_NAME} SHARED memory.c lapack_forward.c ${cblas} ${fortran})
+# Exactly the routines the library binds are exported, the CBLAS ones included.
+set(exports MKL_malloc MKL_free MKL_Thread_Free_Buffers ${JQBL_LAPACK})
+foreach(c ${cblas})
+  get_filename_component(c ${c} NAME_WE)
+  if(c MATCHES "^cblas_[dz]|^cblas_id")
+    list(APPEND exports ${c})
+  endif()
+endforeach()
+list(JOIN exports "\n  " exports)
+file(GENERATE OUTPUT ${CMAKE_CURRENT_BINARY_DIR}/${JQBL_NAME}.def CONTENT "EXPORTS\n  ${exports}\n")
+
+add_library(${JQBL_NAME} SHARED memory.c lapack_forward.c ${cblas} ${fortran} ${CMAKE_CURRENT_BINARY_DIR}/${JQBL_NAME}.def)
 target_include_directories(${JQBL_NAME} PRIVATE ${src}/CBLAS/include ${CMAKE_CURRENT_BINARY_DIR}/include)
 target_compile_definitions(${JQBL_NAME} PRIVATE ADD_)
 # Recursive: the work arrays live on the stack, so that calls from several

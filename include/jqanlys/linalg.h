@@ -52,6 +52,124 @@ JQ_API int32_t CxEqsByLUDri_head(JQ_IN JQMatC128 a, JQ_IN JQArrC128 b, JQ_OUT JQ
 JQ_API int32_t EqsSetByLUDri_head(JQ_IN JQMatF64 a, JQ_IN JQMatF64 b, JQ_OUT JQMatF64 x, JQ_OUT int32_t* status);
 JQ_API int32_t CxEqsSetByLUDri_head(JQ_IN JQMatC128 a, JQ_IN JQMatC128 b, JQ_OUT JQMatC128 x, JQ_OUT int32_t* status);
 
+/* Transpose; trace (sum of the diagonal of any shape). */
+JQ_API int32_t Transpose_head(JQ_IN JQMatF64 a, JQ_OUT JQMatF64 t, JQ_OUT int32_t* status);
+JQ_API int32_t CxTranspose_head(JQ_IN JQMatC128 a, JQ_OUT JQMatC128 t, JQ_OUT int32_t* status);
+JQ_API int32_t Trace_head(JQ_IN JQMatF64 a, JQ_OUT double* trace, JQ_OUT int32_t* status);
+JQ_API int32_t CxTrace_head(JQ_IN JQMatC128 a, JQ_OUT JQComplex* trace, JQ_OUT int32_t* status);
+
+/* Matrix norm and condition number. Type: 0 the 2-norm, 1 the 1-norm, 2 the
+ * Frobenius norm, 3 the infinity norm. The condition number of type 0 takes
+ * any shape (sigma_max / sigma_min, +infinity when sigma_min is 0); types
+ * 1-3 need a square matrix and give +infinity, status 0, when it is singular. */
+JQ_API int32_t Norm_head(JQ_IN JQMatF64 a, int32_t type, JQ_OUT double* norm, JQ_OUT int32_t* status);
+JQ_API int32_t CxNorm_head(JQ_IN JQMatC128 a, int32_t type, JQ_OUT double* norm, JQ_OUT int32_t* status);
+JQ_API int32_t CondNumber_head(JQ_IN JQMatF64 a, int32_t type, JQ_OUT double* cond, JQ_OUT int32_t* status);
+JQ_API int32_t CxCondNumber_head(JQ_IN JQMatC128 a, int32_t type, JQ_OUT double* cond, JQ_OUT int32_t* status);
+
+/* Numerical rank and pseudo-inverse (columns x rows): singular values above
+ * the tolerance count; a negative tolerance means
+ * max(rows, columns) * sigma_max * 2.220446049250313e-16. The rank reads -1
+ * on an error. */
+JQ_API int32_t Rank_head(JQ_IN JQMatF64 a, double tolerance, JQ_OUT int32_t* rank, JQ_OUT int32_t* status);
+JQ_API int32_t CxRank_head(JQ_IN JQMatC128 a, double tolerance, JQ_OUT int32_t* rank, JQ_OUT int32_t* status);
+JQ_API int32_t PseudoInverse_head(JQ_IN JQMatF64 a, double tolerance, JQ_OUT JQMatF64 pinv, JQ_OUT int32_t* status);
+JQ_API int32_t CxPseudoInverse_head(JQ_IN JQMatC128 a, double tolerance, JQ_OUT JQMatC128 pinv, JQ_OUT int32_t* status);
+
+/* Dot product (complex: sum of x[i] * y[i], unconjugated), outer product
+ * x * y^T and Kronecker product. */
+JQ_API int32_t DotProduct_head(JQ_IN JQArrF64 x, JQ_IN JQArrF64 y, JQ_OUT double* dot, JQ_OUT int32_t* status);
+JQ_API int32_t DotprodCx(JQ_IN JQArrC128 x, JQ_IN JQArrC128 y, JQ_OUT JQComplex* dot, JQ_OUT int32_t* status);
+JQ_API int32_t OuterProd_head(JQ_IN JQArrF64 x, JQ_IN JQArrF64 y, JQ_OUT JQMatF64 r, JQ_OUT int32_t* status);
+JQ_API int32_t OuterProdCx_head(JQ_IN JQArrC128 x, JQ_IN JQArrC128 y, JQ_OUT JQMatC128 r, JQ_OUT int32_t* status);
+JQ_API int32_t KroneckerProd_H(JQ_IN JQMatF64 a, JQ_IN JQMatF64 b, JQ_OUT JQMatF64 r, JQ_OUT int32_t* status);
+JQ_API int32_t CxKroneckerProd_H(JQ_IN JQMatC128 a, JQ_IN JQMatC128 b, JQ_OUT JQMatC128 r, JQ_OUT int32_t* status);
+
+/* y = A x (a negative dimension: -20004) and y = x^T A (through the matrix
+ * product: a length of x other than rows(A) is -20039). */
+JQ_API int32_t AxVect_head(JQ_IN JQMatF64 a, JQ_IN JQArrF64 x, JQ_OUT JQArrF64 y, JQ_OUT int32_t* status);
+JQ_API int32_t AxVectAligned_head(JQ_IN JQMatF64 a, JQ_IN JQArrF64 x, JQ_OUT JQArrF64 y, int32_t aligned, JQ_OUT int32_t* status);
+JQ_API int32_t AxVectorCx(JQ_IN JQMatC128 a, JQ_IN JQArrC128 x, JQ_OUT JQArrC128 y, JQ_OUT int32_t* status);
+JQ_API int32_t AxVectorCxAligned(JQ_IN JQMatC128 a, JQ_IN JQArrC128 x, JQ_OUT JQArrC128 y, int32_t aligned, JQ_OUT int32_t* status);
+JQ_API int32_t vectxA_head(JQ_IN JQArrF64 x, JQ_IN JQMatF64 a, JQ_OUT JQArrF64 y, JQ_OUT int32_t* status);
+JQ_API int32_t vectxAAligned_head(JQ_IN JQArrF64 x, JQ_IN JQMatF64 a, JQ_OUT JQArrF64 y, int32_t aligned, JQ_OUT int32_t* status);
+JQ_API int32_t CxVectxA_head(JQ_IN JQArrC128 x, JQ_IN JQMatC128 a, JQ_OUT JQArrC128 y, JQ_OUT int32_t* status);
+JQ_API int32_t CxVectxAAligned_head(JQ_IN JQArrC128 x, JQ_IN JQMatC128 a, JQ_OUT JQArrC128 y, int32_t aligned, JQ_OUT int32_t* status);
+
+/* Vector p-norm: p = +infinity the largest magnitude, -infinity the
+ * smallest, p NaN -20068, p = 0 -20141. normalize != 0 divides the vector
+ * by a non-zero norm in place. */
+JQ_API int32_t vectorNormH(JQ_INOUT JQArrF64 x, double p, int32_t normalize, JQ_OUT double* norm, JQ_OUT int32_t* status);
+JQ_API int32_t CxVectorNormH(JQ_INOUT JQArrC128 x, double p, int32_t normalize, JQ_OUT double* norm, JQ_OUT int32_t* status);
+
+/* LU with partial pivoting in place: unit L below the diagonal, U on and
+ * above. pivots: rows 0-based indices (rows past min(rows, columns) hold
+ * their own index); parity 1 for an odd number of interchanges. An exactly
+ * zero pivot gives the warning 20003 with the factors. */
+JQ_API int32_t LU_head(JQ_INOUT JQMatF64 a, JQ_OUT JQArrI32 pivots, JQ_OUT int32_t* parity, JQ_OUT int32_t* status);
+JQ_API int32_t CxLU_head(JQ_INOUT JQMatC128 a, JQ_OUT JQArrI32 pivots, JQ_OUT int32_t* parity, JQ_OUT int32_t* status);
+
+/* Cholesky factor L (A = L L^H, lower triangular) and inverses of positive
+ * definite matrices (not positive definite: -20071), inverse of a
+ * triangular matrix (type 0 lower, 1 upper; the other triangle is ignored). */
+JQ_API int32_t FullCholesky_head(JQ_IN JQMatF64 a, JQ_OUT JQMatF64 l, JQ_OUT int32_t* status);
+JQ_API int32_t CxFullCholesky_head(JQ_IN JQMatC128 a, JQ_OUT JQMatC128 l, JQ_OUT int32_t* status);
+JQ_API int32_t InvMatrixChoDri_head(JQ_IN JQMatF64 a, JQ_OUT JQMatF64 inverse, JQ_OUT int32_t* status);
+JQ_API int32_t CxInvMatrixChoDri_head(JQ_IN JQMatC128 a, JQ_OUT JQMatC128 inverse, JQ_OUT int32_t* status);
+JQ_API int32_t InvMatrixTriDri_head(JQ_IN JQMatF64 a, int32_t type, JQ_OUT JQMatF64 inverse, JQ_OUT int32_t* status);
+JQ_API int32_t CxInvMatrixTriDri_head(JQ_IN JQMatC128 a, int32_t type, JQ_OUT JQMatC128 inverse, JQ_OUT int32_t* status);
+
+/* QR: A = Q R with Q rows x k (orthonormal columns), R k x columns upper
+ * triangular, k = min(rows, columns). QRDecH pivots the columns: A P = Q R,
+ * pivots[j] the 0-based original column at position j. */
+JQ_API int32_t qrd_head(JQ_IN JQMatF64 a, JQ_OUT JQMatF64 q, JQ_OUT JQMatF64 r, JQ_OUT int32_t* status);
+JQ_API int32_t Cxqrd_head(JQ_IN JQMatC128 a, JQ_OUT JQMatC128 q, JQ_OUT JQMatC128 r, JQ_OUT int32_t* status);
+JQ_API int32_t QRDecH(JQ_IN JQMatF64 a, JQ_OUT JQMatF64 q, JQ_OUT JQMatF64 r, JQ_OUT JQArrI32 pivots, JQ_OUT int32_t* status);
+JQ_API int32_t CxQRDecH(JQ_IN JQMatC128 a, JQ_OUT JQMatC128 q, JQ_OUT JQMatC128 r, JQ_OUT JQArrI32 pivots, JQ_OUT int32_t* status);
+
+/* Singular value decomposition A = U S V^H, singular values descending.
+ * SVD_head: U rows x k, S k values, V columns x k. SVDEx_head: U rows x rows,
+ * S a rows x columns matrix, V columns x columns. SVDS_head: the values. */
+JQ_API int32_t SVD_head(JQ_IN JQMatF64 a, JQ_OUT JQMatF64 u, JQ_OUT JQArrF64 s, JQ_OUT JQMatF64 v, JQ_OUT int32_t* status);
+JQ_API int32_t CxSVD_head(JQ_IN JQMatC128 a, JQ_OUT JQMatC128 u, JQ_OUT JQArrF64 s, JQ_OUT JQMatC128 v, JQ_OUT int32_t* status);
+JQ_API int32_t SVDEx_head(JQ_IN JQMatF64 a, JQ_OUT JQMatF64 u, JQ_OUT JQMatF64 s, JQ_OUT JQMatF64 v, JQ_OUT int32_t* status);
+JQ_API int32_t CxSVDEx_head(JQ_IN JQMatC128 a, JQ_OUT JQMatC128 u, JQ_OUT JQMatF64 s, JQ_OUT JQMatC128 v, JQ_OUT int32_t* status);
+JQ_API int32_t SVDS_head(JQ_IN JQMatF64 a, JQ_OUT JQArrF64 s, JQ_OUT int32_t* status);
+JQ_API int32_t CxSVDS_head(JQ_IN JQMatC128 a, JQ_OUT JQArrF64 s, JQ_OUT int32_t* status);
+
+/* Eigenvalues and right eigenvectors (columns, unit 2-norm) of a general
+ * matrix, complex for real input too; of a symmetric (Hermitian) matrix,
+ * values ascending. No convergence: -20062. */
+JQ_API int32_t EigenValueVector_head(JQ_IN JQMatF64 a, JQ_OUT JQArrC128 values, JQ_OUT JQMatC128 vectors, JQ_OUT int32_t* status);
+JQ_API int32_t CxEigenValueVector_head(JQ_IN JQMatC128 a, JQ_OUT JQArrC128 values, JQ_OUT JQMatC128 vectors, JQ_OUT int32_t* status);
+JQ_API int32_t SymEvectorEvalue_head(JQ_IN JQMatF64 a, JQ_OUT JQArrF64 values, JQ_OUT JQMatF64 vectors, JQ_OUT int32_t* status);
+JQ_API int32_t CxSymEvectorEvalue_head(JQ_IN JQMatC128 a, JQ_OUT JQArrF64 values, JQ_OUT JQMatC128 vectors, JQ_OUT int32_t* status);
+
+/* Positive definite systems through Cholesky. */
+JQ_API int32_t EqsByCholeskyDri_head(JQ_IN JQMatF64 a, JQ_IN JQArrF64 b, JQ_OUT JQArrF64 x, JQ_OUT int32_t* status);
+JQ_API int32_t CxEqsByCholeskyDri_head(JQ_IN JQMatC128 a, JQ_IN JQArrC128 b, JQ_OUT JQArrC128 x, JQ_OUT int32_t* status);
+JQ_API int32_t EqsSetByCholeskyDri_head(JQ_IN JQMatF64 a, JQ_IN JQMatF64 b, JQ_OUT JQMatF64 x, JQ_OUT int32_t* status);
+JQ_API int32_t CxEqsSetByCholeskyDri_head(JQ_IN JQMatC128 a, JQ_IN JQMatC128 b, JQ_OUT JQMatC128 x, JQ_OUT int32_t* status);
+
+/* Minimum-norm least-squares solutions of A x = b for any shape. A tolerance
+ * below 0 means machine epsilon (relative to sigma_max). A rank-deficient
+ * system gives the warning 20001, which the GenLinEqs forms (not the SVD
+ * ones) turn into 0. GenLinEqsbySVD2011_head always decomposes A itself.
+ * GenLinEqs2010_head returns its status and fills the solution and the
+ * singular values of A. Complex forms always decompose A. */
+JQ_API int32_t GenLinEqs_head(JQ_IN JQMatF64 a, JQ_IN JQArrF64 b, JQ_OUT JQArrF64 x, JQ_OUT int32_t* status);
+JQ_API int32_t CxGenLinEqs_head(JQ_IN JQMatC128 a, JQ_IN JQArrC128 b, JQ_OUT JQArrC128 x, JQ_OUT int32_t* status);
+JQ_API int32_t GenLinEqs82_head(JQ_IN JQMatF64 a, JQ_IN JQArrF64 b, double tolerance, JQ_OUT JQArrF64 x, JQ_OUT int32_t* status);
+JQ_API int32_t CxGenLinEqs82_head(JQ_IN JQMatC128 a, JQ_IN JQArrC128 b, double tolerance, JQ_OUT JQArrC128 x, JQ_OUT int32_t* status);
+JQ_API int32_t GenLinEqsbySVD2011_head(JQ_IN JQMatF64 a, JQ_IN JQArrF64 b, double tolerance, JQ_OUT JQArrF64 x, JQ_OUT int32_t* status);
+JQ_API int32_t CxGenLinEqsbySVD2011_head(JQ_IN JQMatC128 a, JQ_IN JQArrC128 b, double tolerance, JQ_OUT JQArrC128 x, JQ_OUT int32_t* status);
+JQ_API int32_t GenLinEqs2010_head(JQ_IN JQMatF64 a, JQ_IN JQArrF64 b, double tolerance, JQ_OUT JQArrF64 x, JQ_OUT JQArrF64 singular_values);
+JQ_API int32_t CxGenLinEqs2010_head(JQ_IN JQMatC128 a, JQ_IN JQArrC128 b, double tolerance, JQ_OUT JQArrC128 x, JQ_OUT JQArrF64 singular_values);
+JQ_API int32_t EqsSetBySVDDri_head(JQ_IN JQMatF64 a, JQ_IN JQMatF64 b, JQ_OUT JQMatF64 x, JQ_OUT int32_t* status);
+JQ_API int32_t CxEqsSetBySVDDri_head(JQ_IN JQMatC128 a, JQ_IN JQMatC128 b, JQ_OUT JQMatC128 x, JQ_OUT int32_t* status);
+JQ_API int32_t EqsSetBySVDDri82_head(JQ_IN JQMatF64 a, JQ_IN JQMatF64 b, double tolerance, JQ_OUT JQMatF64 x, JQ_OUT int32_t* status);
+JQ_API int32_t CxEqsSetBySVDDri82_head(JQ_IN JQMatC128 a, JQ_IN JQMatC128 b, double tolerance, JQ_OUT JQMatC128 x, JQ_OUT int32_t* status);
+
 #ifdef __cplusplus
 }
 #endif

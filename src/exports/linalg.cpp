@@ -4,7 +4,12 @@
 
 #include "frame/export.hpp"
 #include "jqanlys.h"
+#include <cmath>
+
+#include "linalg/basic.hpp"
+#include "linalg/decompose.hpp"
 #include "linalg/dense.hpp"
+#include "linalg/svd.hpp"
 
 using namespace jq;
 using namespace jq::linalg;
@@ -150,4 +155,514 @@ JQ_EXPORT int32_t EqsSetByLUDri_head(JQMatF64 a, JQMatF64 b, JQMatF64 x, int32_t
 }
 JQ_EXPORT int32_t CxEqsSetByLUDri_head(JQMatC128 a, JQMatC128 b, JQMatC128 x, int32_t* status) {
   return solve_export<cdouble, 2>(a, b, x, status);
+}
+
+// ---- simple members -----------------------------------------------------------------------
+
+namespace {
+
+// Scalar-valued members of one matrix: empty, (square), selector, finiteness.
+template <class T, class S, class F>
+int32_t scalar_of_matrix(Handle m, bool square, bool selector_ok, S* result, int32_t* status, F compute) {
+  clear(status);
+  Mat<T> a(m);
+  int32_t code = a.empty() ? kEmptyInput : square && a.rows() != a.cols() ? kDimMismatch : kOk;
+  if (!code && !selector_ok) code = kBadSelector;
+  if (!code && non_finite(a)) code = kNonFiniteMatrix;
+  if (!code) code = compute(a);
+  return report_value(code, result, status);
+}
+
+template <class T> int32_t transpose_export(Handle m, Handle t, int32_t* status) {
+  clear(status);
+  Mat<T> a(m);
+  Out2<T> res(t);
+  Outputs out(res);
+  if (a.empty()) return out.report(kEmptyInput, status);
+  if (!out.size(res, a.cols(), a.rows())) return out.report(kNoMemory, status);
+  return out.report(transpose_matrix(a.data(), a.rows(), a.cols(), res.data()), status);
+}
+
+template <class T> int32_t trace_export(Handle m, typename Scalar<T>::type* tr, int32_t* status) {
+  clear(status);
+  Mat<T> a(m);
+  if (a.empty()) return report_value(kEmptyInput, tr, status);
+  *reinterpret_cast<T*>(tr) = trace(a.data(), a.rows(), a.cols());
+  return report_value(kOk, tr, status);
+}
+
+template <class T> int32_t norm_export(Handle m, int32_t type, double* norm, int32_t* status, bool cond) {
+  return scalar_of_matrix<T>(m, false, type >= 0 && type <= 3, norm, status, [&](const Mat<T>& a) -> int32_t {
+    if (!cond) return matrix_norm(a.data(), a.rows(), a.cols(), type, norm);
+    if (type != 0 && a.rows() != a.cols()) return kDimMismatch;
+    return condition_number(a.data(), a.rows(), a.cols(), type, norm);
+  });
+}
+
+template <class T> int32_t rank_export(Handle m, double tol, int32_t* rank, int32_t* status) {
+  clear(status);
+  *rank = -1;
+  Mat<T> a(m);
+  int32_t code = a.empty() ? kEmptyInput : non_finite(a) ? kNonFiniteMatrix : kOk;
+  if (!code) code = matrix_rank(a.data(), a.rows(), a.cols(), tol, rank);
+  if (code < 0) *rank = -1;
+  if (status) *status = code;
+  return 0;
+}
+
+template <class T> int32_t pinv_export(Handle m, double tol, Handle p, int32_t* status) {
+  clear(status);
+  Mat<T> a(m);
+  Out2<T> res(p);
+  Outputs out(res);
+  if (a.empty()) return out.report(kEmptyInput, status);
+  if (non_finite(a)) return out.report(kNonFiniteMatrix, status);
+  if (!out.size(res, a.cols(), a.rows())) return out.report(kNoMemory, status);
+  return out.report(pseudo_inverse(a.data(), a.rows(), a.cols(), tol, res.data()), status);
+}
+
+template <class T> int32_t dot_export(Handle x, Handle y, typename Scalar<T>::type* dot, int32_t* status) {
+  clear(status);
+  Array1<const T> u(x), v(y);
+  int32_t code = u.empty() || v.empty() ? kEmptyInput : u.size() != v.size() ? kLengthMismatch : ready();
+  if (!code) *reinterpret_cast<T*>(dot) = Blas<T>::dot(u.size(), u.data(), v.data());
+  return report_value(code, dot, status);
+}
+
+template <class T> int32_t outer_export(Handle x, Handle y, Handle r, int32_t* status) {
+  clear(status);
+  Array1<const T> u(x), v(y);
+  Out2<T> res(r);
+  Outputs out(res);
+  if (u.empty() || v.empty()) return out.report(kEmptyInput, status);
+  if (!out.size(res, u.size(), v.size())) return out.report(kNoMemory, status);
+  return out.report(outer_product(u.data(), u.size(), v.data(), v.size(), res.data()), status);
+}
+
+template <class T> int32_t kron_export(Handle a, Handle b, Handle r, int32_t* status) {
+  clear(status);
+  Mat<T> x(a), y(b);
+  Out2<T> res(r);
+  Outputs out(res);
+  if (x.empty() || y.empty()) return out.report(kEmptyInput, status);
+  const int64_t rows = int64_t{x.rows()} * y.rows(), cols = int64_t{x.cols()} * y.cols();
+  if (rows > INT32_MAX || cols > INT32_MAX || rows * cols > INT32_MAX) return out.report(kNoMemory, status);
+  if (!out.size(res, static_cast<int32_t>(rows), static_cast<int32_t>(cols))) return out.report(kNoMemory, status);
+  return out.report(kronecker(x.data(), x.rows(), x.cols(), y.data(), y.rows(), y.cols(), res.data()), status);
+}
+
+template <class T> int32_t axvect_export(Handle m, Handle x, Handle y, int32_t aligned, int32_t* status) {
+  clear(status);
+  Mat<T> a(m);
+  Array1<const T> v(x);
+  Out<T> res(y);
+  Outputs out(res);
+  if (a.rows() < 0 || a.cols() < 0 || v.size() < 0) return out.report(kNegativeSize, status);
+  if (a.empty() || v.empty()) return out.report(kEmptyInput, status);
+  if (a.cols() != v.size()) return out.report(kLengthMismatch, status);
+  if (!out.size(res, a.rows())) return out.report(kNoMemory, status);
+  return out.report(matrix_vector(a.data(), a.rows(), a.cols(), v.data(), res.data(), aligned != 0), status);
+}
+
+// A row vector times a matrix: the product routine with one row.
+template <class T> int32_t vectxa_export(Handle x, Handle m, Handle y, int32_t aligned, int32_t* status) {
+  clear(status);
+  Array1<const T> v(x);
+  Mat<T> a(m);
+  Out<T> res(y);
+  Outputs out(res);
+  if (v.empty() || a.empty()) return out.report(kEmptyInput, status);
+  if (v.size() != a.rows()) return out.report(kIncompatibleDims, status);
+  if (!out.size(res, a.cols())) return out.report(kNoMemory, status);
+  return out.report(matrix_product(v.data(), 1, v.size(), a.data(), a.cols(), res.data(), aligned != 0), status);
+}
+
+template <class T> int32_t vector_norm_export(Handle x, double p, int32_t normalize, double* norm, int32_t* status) {
+  clear(status);
+  Array1<T> v(x);
+  int32_t code = v.empty() ? kEmptyInput : std::isnan(p) ? kNonFiniteMatrix : p == 0 ? kZeroNormOrder : kOk;
+  if (!code) code = vector_norm(v.data(), v.size(), p, normalize != 0, norm);
+  return report_value(code, norm, status);
+}
+
+}  // namespace
+
+JQ_EXPORT int32_t Transpose_head(JQMatF64 a, JQMatF64 t, int32_t* status) { return transpose_export<double>(a, t, status); }
+JQ_EXPORT int32_t CxTranspose_head(JQMatC128 a, JQMatC128 t, int32_t* status) { return transpose_export<cdouble>(a, t, status); }
+JQ_EXPORT int32_t Trace_head(JQMatF64 a, double* trace, int32_t* status) { return trace_export<double>(a, trace, status); }
+JQ_EXPORT int32_t CxTrace_head(JQMatC128 a, JQComplex* trace, int32_t* status) { return trace_export<cdouble>(a, trace, status); }
+JQ_EXPORT int32_t Norm_head(JQMatF64 a, int32_t type, double* norm, int32_t* status) {
+  return norm_export<double>(a, type, norm, status, false);
+}
+JQ_EXPORT int32_t CxNorm_head(JQMatC128 a, int32_t type, double* norm, int32_t* status) {
+  return norm_export<cdouble>(a, type, norm, status, false);
+}
+JQ_EXPORT int32_t CondNumber_head(JQMatF64 a, int32_t type, double* cond, int32_t* status) {
+  return norm_export<double>(a, type, cond, status, true);
+}
+JQ_EXPORT int32_t CxCondNumber_head(JQMatC128 a, int32_t type, double* cond, int32_t* status) {
+  return norm_export<cdouble>(a, type, cond, status, true);
+}
+JQ_EXPORT int32_t Rank_head(JQMatF64 a, double tolerance, int32_t* rank, int32_t* status) {
+  return rank_export<double>(a, tolerance, rank, status);
+}
+JQ_EXPORT int32_t CxRank_head(JQMatC128 a, double tolerance, int32_t* rank, int32_t* status) {
+  return rank_export<cdouble>(a, tolerance, rank, status);
+}
+JQ_EXPORT int32_t PseudoInverse_head(JQMatF64 a, double tolerance, JQMatF64 pinv, int32_t* status) {
+  return pinv_export<double>(a, tolerance, pinv, status);
+}
+JQ_EXPORT int32_t CxPseudoInverse_head(JQMatC128 a, double tolerance, JQMatC128 pinv, int32_t* status) {
+  return pinv_export<cdouble>(a, tolerance, pinv, status);
+}
+JQ_EXPORT int32_t DotProduct_head(JQArrF64 x, JQArrF64 y, double* dot, int32_t* status) { return dot_export<double>(x, y, dot, status); }
+JQ_EXPORT int32_t DotprodCx(JQArrC128 x, JQArrC128 y, JQComplex* dot, int32_t* status) { return dot_export<cdouble>(x, y, dot, status); }
+JQ_EXPORT int32_t OuterProd_head(JQArrF64 x, JQArrF64 y, JQMatF64 r, int32_t* status) { return outer_export<double>(x, y, r, status); }
+JQ_EXPORT int32_t OuterProdCx_head(JQArrC128 x, JQArrC128 y, JQMatC128 r, int32_t* status) {
+  return outer_export<cdouble>(x, y, r, status);
+}
+JQ_EXPORT int32_t KroneckerProd_H(JQMatF64 a, JQMatF64 b, JQMatF64 r, int32_t* status) { return kron_export<double>(a, b, r, status); }
+JQ_EXPORT int32_t CxKroneckerProd_H(JQMatC128 a, JQMatC128 b, JQMatC128 r, int32_t* status) {
+  return kron_export<cdouble>(a, b, r, status);
+}
+JQ_EXPORT int32_t AxVect_head(JQMatF64 a, JQArrF64 x, JQArrF64 y, int32_t* status) { return axvect_export<double>(a, x, y, 0, status); }
+JQ_EXPORT int32_t AxVectAligned_head(JQMatF64 a, JQArrF64 x, JQArrF64 y, int32_t aligned, int32_t* status) {
+  return axvect_export<double>(a, x, y, aligned, status);
+}
+JQ_EXPORT int32_t AxVectorCx(JQMatC128 a, JQArrC128 x, JQArrC128 y, int32_t* status) { return axvect_export<cdouble>(a, x, y, 0, status); }
+JQ_EXPORT int32_t AxVectorCxAligned(JQMatC128 a, JQArrC128 x, JQArrC128 y, int32_t aligned, int32_t* status) {
+  return axvect_export<cdouble>(a, x, y, aligned, status);
+}
+JQ_EXPORT int32_t vectxA_head(JQArrF64 x, JQMatF64 a, JQArrF64 y, int32_t* status) { return vectxa_export<double>(x, a, y, 0, status); }
+JQ_EXPORT int32_t vectxAAligned_head(JQArrF64 x, JQMatF64 a, JQArrF64 y, int32_t aligned, int32_t* status) {
+  return vectxa_export<double>(x, a, y, aligned, status);
+}
+JQ_EXPORT int32_t CxVectxA_head(JQArrC128 x, JQMatC128 a, JQArrC128 y, int32_t* status) {
+  return vectxa_export<cdouble>(x, a, y, 0, status);
+}
+JQ_EXPORT int32_t CxVectxAAligned_head(JQArrC128 x, JQMatC128 a, JQArrC128 y, int32_t aligned, int32_t* status) {
+  return vectxa_export<cdouble>(x, a, y, aligned, status);
+}
+JQ_EXPORT int32_t vectorNormH(JQArrF64 x, double p, int32_t normalize, double* norm, int32_t* status) {
+  return vector_norm_export<double>(x, p, normalize, norm, status);
+}
+JQ_EXPORT int32_t CxVectorNormH(JQArrC128 x, double p, int32_t normalize, double* norm, int32_t* status) {
+  return vector_norm_export<cdouble>(x, p, normalize, norm, status);
+}
+
+// ---- decompositions and solvers -----------------------------------------------------------
+
+namespace {
+
+template <class T> int32_t lu_export(Handle m, Handle piv, int32_t* parity, int32_t* status) {
+  clear(status);
+  if (parity) *parity = 0;
+  Mat<T> a(m);
+  Out2<T> mat(m);
+  Out<int32_t> p(piv);
+  Outputs out(mat, p);
+  if (a.empty()) return out.report(kEmptyInput, status);
+  if (non_finite(a)) return out.report(kNonFiniteMatrix, status);
+  if (!out.size(p, a.rows())) return out.report(kNoMemory, status);
+  int32_t par = 0;
+  const int32_t code = lu(const_cast<T*>(a.data()), a.rows(), a.cols(), p.data(), &par);
+  if (code >= 0 && parity) *parity = par;
+  return out.report(code, status);
+}
+
+// One square matrix in, one square matrix out (factor or inverse).
+template <class T, class F> int32_t square_to_square(Handle m, Handle r, int32_t* status, F compute) {
+  clear(status);
+  Mat<T> a(m);
+  Out2<T> res(r);
+  Outputs out(res);
+  if (int32_t code = square_checks(a)) return out.report(code, status);
+  if (!out.size(res, a.rows(), a.rows())) return out.report(kNoMemory, status);
+  return out.report(compute(a.data(), a.rows(), res.data()), status);
+}
+
+template <class T> int32_t triangular_inverse_export(Handle m, int32_t type, Handle r, int32_t* status) {
+  clear(status);
+  Mat<T> a(m);
+  Out2<T> res(r);
+  Outputs out(res);
+  int32_t code = a.empty() ? kEmptyInput : a.rows() != a.cols() ? kDimMismatch : type < 0 || type > 1 ? kBadSelector : kOk;
+  if (!code && non_finite(a)) code = kNonFiniteMatrix;
+  if (code) return out.report(code, status);
+  if (!out.size(res, a.rows(), a.rows())) return out.report(kNoMemory, status);
+  return out.report(inverse_triangular(a.data(), a.rows(), type == 0, res.data()), status);
+}
+
+template <class T> int32_t qr_export(Handle m, Handle q, Handle r, Handle piv, int32_t* status) {
+  clear(status);
+  Mat<T> a(m);
+  Out2<T> qo(q), ro(r);
+  Out<int32_t> po(piv);
+  Outputs out(qo, ro, po);
+  if (a.empty()) return out.report(kEmptyInput, status);
+  if (non_finite(a)) return out.report(kNonFiniteMatrix, status);
+  const int32_t k = std::min(a.rows(), a.cols());
+  if (!out.size(qo, a.rows(), k) || !out.size(ro, k, a.cols()) || (piv && !out.size(po, a.cols())))
+    return out.report(kNoMemory, status);
+  return out.report(qr(a.data(), a.rows(), a.cols(), qo.data(), ro.data(), piv ? po.data() : nullptr), status);
+}
+
+// V from V^H (conjugate transpose), in place of a k x n block into n x k.
+template <class T> int32_t adjoint(const T* vh, int32_t k, int32_t n, T* v) {
+  if (int32_t rc = transpose_matrix(vh, k, n, v)) return rc;
+  if constexpr (!std::is_same_v<T, double>)
+    for (int64_t i = 0; i < int64_t{k} * n; ++i) v[i] = std::conj(v[i]);
+  return kOk;
+}
+
+// Economy (full = false: U m x k, S k, V n x k) or full (U m x m, S as an
+// m x n matrix, V n x n) decompositions A = U S V^H.
+template <class T> int32_t svd_export(Handle m, Handle u, Handle s, Handle v, bool full, int32_t* status) {
+  clear(status);
+  Mat<T> a(m);
+  Out2<T> uo(u), vo(v);
+  Out<double> so(s);
+  Out2<double> smat(s);
+  const int32_t rows = a.rows(), cols = a.cols(), k = std::min(rows, cols);
+  auto run = [&](Outputs& out, bool sized, double* sdata) {
+    if (!sized) return out.report(kNoMemory, status);
+    Buffer<double> sv;
+    Buffer<T> vh;
+    const int32_t vr = full ? cols : k;
+    if (sv.allocate(k) || vh.allocate(int64_t{vr} * cols)) return out.report(kNoMemory, status);
+    int32_t code = svd(a.data(), rows, cols, full ? 'A' : 'S', sv.data(), uo.data(), vh.data());
+    if (!code) code = adjoint(vh.data(), vr, cols, vo.data());
+    if (!code) {
+      for (int32_t i = 0; i < k; ++i) sdata[full ? static_cast<size_t>(i) * cols + i : i] = sv[i];
+    }
+    return out.report(code, status);
+  };
+  if (full) {
+    Outputs out(uo, smat, vo);
+    if (a.empty()) return out.report(kEmptyInput, status);
+    if (non_finite(a)) return out.report(kNonFiniteMatrix, status);
+    const bool sized = out.size(uo, rows, rows) && out.size(smat, rows, cols) && out.size(vo, cols, cols);
+    if (sized) std::fill(smat.data(), smat.data() + int64_t{rows} * cols, 0.0);
+    return run(out, sized, smat.data());
+  }
+  Outputs out(uo, so, vo);
+  if (a.empty()) return out.report(kEmptyInput, status);
+  if (non_finite(a)) return out.report(kNonFiniteMatrix, status);
+  return run(out, out.size(uo, rows, k) && out.size(so, k) && out.size(vo, cols, k), so.data());
+}
+
+template <class T> int32_t singular_values_export(Handle m, Handle s, int32_t* status) {
+  clear(status);
+  Mat<T> a(m);
+  Out<double> so(s);
+  Outputs out(so);
+  if (a.empty()) return out.report(kEmptyInput, status);
+  if (non_finite(a)) return out.report(kNonFiniteMatrix, status);
+  if (!out.size(so, std::min(a.rows(), a.cols()))) return out.report(kNoMemory, status);
+  return out.report(singular_values(a.data(), a.rows(), a.cols(), so.data()), status);
+}
+
+template <class T> int32_t eigen_export(Handle m, Handle values, Handle vectors, int32_t* status) {
+  clear(status);
+  Mat<T> a(m);
+  Out<cdouble> vo(values);
+  Out2<cdouble> xo(vectors);
+  Outputs out(vo, xo);
+  if (int32_t code = square_checks(a)) return out.report(code, status);
+  if (!out.size(vo, a.rows()) || !out.size(xo, a.rows(), a.rows())) return out.report(kNoMemory, status);
+  return out.report(eigen(a.data(), a.rows(), vo.data(), xo.data()), status);
+}
+
+template <class T> int32_t symmetric_eigen_export(Handle m, Handle values, Handle vectors, int32_t* status) {
+  clear(status);
+  Mat<T> a(m);
+  Out<double> vo(values);
+  Out2<T> xo(vectors);
+  Outputs out(vo, xo);
+  if (int32_t code = square_checks(a)) return out.report(code, status);
+  if (!out.size(vo, a.rows()) || !out.size(xo, a.rows(), a.rows())) return out.report(kNoMemory, status);
+  return out.report(eigen_symmetric(a.data(), a.rows(), vo.data(), xo.data()), status);
+}
+
+// Right-hand sides of a solver: a vector (Dims 1) or a matrix (Dims 2).
+template <class T, int Dims> struct Rhs {
+  int32_t rows, k;
+  const T* data;
+  explicit Rhs(Handle h) {
+    if constexpr (Dims == 1) {
+      Array1<const T> v(h);
+      rows = v.size(), k = 1, data = v.data();
+    } else {
+      Mat<T> v(h);
+      rows = v.rows(), k = v.cols(), data = v.data();
+    }
+  }
+};
+
+template <class T, int Dims> bool size_solution(Outputs& out, Out<T, Dims>& x, int32_t rows, int32_t k) {
+  if constexpr (Dims == 1)
+    return out.size(x, rows);
+  else
+    return out.size(x, rows, k);
+}
+
+// General (possibly non-square) least squares. warn_ok turns the
+// rank-deficiency warning into success.
+template <class T, int Dims>
+int32_t least_squares_export(Handle m, Handle rhs, double tol, bool force_svd, bool warn_ok, Handle x, int32_t* status) {
+  clear(status);
+  Mat<T> a(m);
+  Rhs<T, Dims> b(rhs);
+  Out<T, Dims> res(x);
+  Outputs out(res);
+  if (a.empty() || b.rows < 1 || b.k < 1) return out.report(kEmptyInput, status);
+  if (b.rows != a.rows()) return out.report(Dims == 1 ? kLengthMismatch : kIncompatibleDims, status);
+  if (non_finite(a) || has_non_finite(b.data, count(b.rows, b.k))) return out.report(kNonFiniteMatrix, status);
+  if (!size_solution(out, res, a.cols(), b.k)) return out.report(kNoMemory, status);
+  int32_t code = least_squares(a.data(), a.rows(), a.cols(), b.data, b.k, tol, force_svd, res.data());
+  if (warn_ok && code == kWarnRankDeficient) code = kOk;
+  return out.report(code, status);
+}
+
+template <class T, int Dims> int32_t cholesky_solve_export(Handle m, Handle rhs, Handle x, int32_t* status) {
+  clear(status);
+  Mat<T> a(m);
+  Rhs<T, Dims> b(rhs);
+  Out<T, Dims> res(x);
+  Outputs out(res);
+  if (a.empty() || b.rows < 1 || b.k < 1) return out.report(kEmptyInput, status);
+  if (a.rows() != a.cols()) return out.report(kDimMismatch, status);
+  if (b.rows != a.rows()) return out.report(Dims == 1 ? kLengthMismatch : kIncompatibleDims, status);
+  if (non_finite(a) || has_non_finite(b.data, count(b.rows, b.k))) return out.report(kNonFiniteMatrix, status);
+  if (!size_solution(out, res, b.rows, b.k)) return out.report(kNoMemory, status);
+  return out.report(solve_cholesky(a.data(), b.rows, b.data, b.k, res.data()), status);
+}
+
+// Reporting shape (a) with the singular values as the second output: the
+// first pass learns their count, the second fills both outputs.
+template <class T> int32_t gen_lin_eqs_2010(Handle m, Handle rhs, double tol, Handle x, Handle s) {
+  Mat<T> a(m);
+  Rhs<T, 1> b(rhs);
+  Out<T> xo(x);
+  Out<double> so(s);
+  Outputs out(xo, so);
+  if (a.empty() || b.rows < 1) return out.finish(kEmptyInput);
+  if (b.rows != a.rows()) return out.finish(kLengthMismatch);
+  if (non_finite(a) || has_non_finite(b.data, b.rows)) return out.finish(kNonFiniteMatrix);
+  const int32_t k = std::min(a.rows(), a.cols());
+  if (!out.size(xo, a.cols()) || !out.size(so, k)) return out.finish(kNoMemory);
+  int32_t code = least_squares(a.data(), a.rows(), a.cols(), b.data, 1, tol, false, xo.data());
+  if (code >= 0) code = singular_values(a.data(), a.rows(), a.cols(), so.data());
+  return out.finish(code == kWarnRankDeficient ? kOk : code);
+}
+
+}  // namespace
+
+JQ_EXPORT int32_t LU_head(JQMatF64 a, JQArrI32 pivots, int32_t* parity, int32_t* status) {
+  return lu_export<double>(a, pivots, parity, status);
+}
+JQ_EXPORT int32_t CxLU_head(JQMatC128 a, JQArrI32 pivots, int32_t* parity, int32_t* status) {
+  return lu_export<cdouble>(a, pivots, parity, status);
+}
+JQ_EXPORT int32_t FullCholesky_head(JQMatF64 a, JQMatF64 l, int32_t* status) {
+  return square_to_square<double>(a, l, status, cholesky<double>);
+}
+JQ_EXPORT int32_t CxFullCholesky_head(JQMatC128 a, JQMatC128 l, int32_t* status) {
+  return square_to_square<cdouble>(a, l, status, cholesky<cdouble>);
+}
+JQ_EXPORT int32_t InvMatrixChoDri_head(JQMatF64 a, JQMatF64 inverse, int32_t* status) {
+  return square_to_square<double>(a, inverse, status, inverse_cholesky<double>);
+}
+JQ_EXPORT int32_t CxInvMatrixChoDri_head(JQMatC128 a, JQMatC128 inverse, int32_t* status) {
+  return square_to_square<cdouble>(a, inverse, status, inverse_cholesky<cdouble>);
+}
+JQ_EXPORT int32_t InvMatrixTriDri_head(JQMatF64 a, int32_t type, JQMatF64 inverse, int32_t* status) {
+  return triangular_inverse_export<double>(a, type, inverse, status);
+}
+JQ_EXPORT int32_t CxInvMatrixTriDri_head(JQMatC128 a, int32_t type, JQMatC128 inverse, int32_t* status) {
+  return triangular_inverse_export<cdouble>(a, type, inverse, status);
+}
+JQ_EXPORT int32_t qrd_head(JQMatF64 a, JQMatF64 q, JQMatF64 r, int32_t* status) { return qr_export<double>(a, q, r, nullptr, status); }
+JQ_EXPORT int32_t Cxqrd_head(JQMatC128 a, JQMatC128 q, JQMatC128 r, int32_t* status) {
+  return qr_export<cdouble>(a, q, r, nullptr, status);
+}
+JQ_EXPORT int32_t QRDecH(JQMatF64 a, JQMatF64 q, JQMatF64 r, JQArrI32 pivots, int32_t* status) {
+  return qr_export<double>(a, q, r, pivots, status);
+}
+JQ_EXPORT int32_t CxQRDecH(JQMatC128 a, JQMatC128 q, JQMatC128 r, JQArrI32 pivots, int32_t* status) {
+  return qr_export<cdouble>(a, q, r, pivots, status);
+}
+JQ_EXPORT int32_t SVD_head(JQMatF64 a, JQMatF64 u, JQArrF64 s, JQMatF64 v, int32_t* status) {
+  return svd_export<double>(a, u, s, v, false, status);
+}
+JQ_EXPORT int32_t CxSVD_head(JQMatC128 a, JQMatC128 u, JQArrF64 s, JQMatC128 v, int32_t* status) {
+  return svd_export<cdouble>(a, u, s, v, false, status);
+}
+JQ_EXPORT int32_t SVDEx_head(JQMatF64 a, JQMatF64 u, JQMatF64 s, JQMatF64 v, int32_t* status) {
+  return svd_export<double>(a, u, s, v, true, status);
+}
+JQ_EXPORT int32_t CxSVDEx_head(JQMatC128 a, JQMatC128 u, JQMatF64 s, JQMatC128 v, int32_t* status) {
+  return svd_export<cdouble>(a, u, s, v, true, status);
+}
+JQ_EXPORT int32_t SVDS_head(JQMatF64 a, JQArrF64 s, int32_t* status) { return singular_values_export<double>(a, s, status); }
+JQ_EXPORT int32_t CxSVDS_head(JQMatC128 a, JQArrF64 s, int32_t* status) { return singular_values_export<cdouble>(a, s, status); }
+JQ_EXPORT int32_t EigenValueVector_head(JQMatF64 a, JQArrC128 values, JQMatC128 vectors, int32_t* status) {
+  return eigen_export<double>(a, values, vectors, status);
+}
+JQ_EXPORT int32_t CxEigenValueVector_head(JQMatC128 a, JQArrC128 values, JQMatC128 vectors, int32_t* status) {
+  return eigen_export<cdouble>(a, values, vectors, status);
+}
+JQ_EXPORT int32_t SymEvectorEvalue_head(JQMatF64 a, JQArrF64 values, JQMatF64 vectors, int32_t* status) {
+  return symmetric_eigen_export<double>(a, values, vectors, status);
+}
+JQ_EXPORT int32_t CxSymEvectorEvalue_head(JQMatC128 a, JQArrF64 values, JQMatC128 vectors, int32_t* status) {
+  return symmetric_eigen_export<cdouble>(a, values, vectors, status);
+}
+JQ_EXPORT int32_t EqsByCholeskyDri_head(JQMatF64 a, JQArrF64 b, JQArrF64 x, int32_t* status) {
+  return cholesky_solve_export<double, 1>(a, b, x, status);
+}
+JQ_EXPORT int32_t CxEqsByCholeskyDri_head(JQMatC128 a, JQArrC128 b, JQArrC128 x, int32_t* status) {
+  return cholesky_solve_export<cdouble, 1>(a, b, x, status);
+}
+JQ_EXPORT int32_t EqsSetByCholeskyDri_head(JQMatF64 a, JQMatF64 b, JQMatF64 x, int32_t* status) {
+  return cholesky_solve_export<double, 2>(a, b, x, status);
+}
+JQ_EXPORT int32_t CxEqsSetByCholeskyDri_head(JQMatC128 a, JQMatC128 b, JQMatC128 x, int32_t* status) {
+  return cholesky_solve_export<cdouble, 2>(a, b, x, status);
+}
+JQ_EXPORT int32_t GenLinEqs_head(JQMatF64 a, JQArrF64 b, JQArrF64 x, int32_t* status) {
+  return least_squares_export<double, 1>(a, b, -1.0, false, true, x, status);
+}
+JQ_EXPORT int32_t CxGenLinEqs_head(JQMatC128 a, JQArrC128 b, JQArrC128 x, int32_t* status) {
+  return least_squares_export<cdouble, 1>(a, b, -1.0, false, true, x, status);
+}
+JQ_EXPORT int32_t GenLinEqs82_head(JQMatF64 a, JQArrF64 b, double tolerance, JQArrF64 x, int32_t* status) {
+  return least_squares_export<double, 1>(a, b, tolerance, false, true, x, status);
+}
+JQ_EXPORT int32_t CxGenLinEqs82_head(JQMatC128 a, JQArrC128 b, double tolerance, JQArrC128 x, int32_t* status) {
+  return least_squares_export<cdouble, 1>(a, b, tolerance, false, true, x, status);
+}
+JQ_EXPORT int32_t GenLinEqsbySVD2011_head(JQMatF64 a, JQArrF64 b, double tolerance, JQArrF64 x, int32_t* status) {
+  return least_squares_export<double, 1>(a, b, tolerance, true, false, x, status);
+}
+JQ_EXPORT int32_t CxGenLinEqsbySVD2011_head(JQMatC128 a, JQArrC128 b, double tolerance, JQArrC128 x, int32_t* status) {
+  return least_squares_export<cdouble, 1>(a, b, tolerance, true, false, x, status);
+}
+JQ_EXPORT int32_t GenLinEqs2010_head(JQMatF64 a, JQArrF64 b, double tolerance, JQArrF64 x, JQArrF64 singular_values) {
+  return gen_lin_eqs_2010<double>(a, b, tolerance, x, singular_values);
+}
+JQ_EXPORT int32_t CxGenLinEqs2010_head(JQMatC128 a, JQArrC128 b, double tolerance, JQArrC128 x, JQArrF64 singular_values) {
+  return gen_lin_eqs_2010<cdouble>(a, b, tolerance, x, singular_values);
+}
+JQ_EXPORT int32_t EqsSetBySVDDri_head(JQMatF64 a, JQMatF64 b, JQMatF64 x, int32_t* status) {
+  return least_squares_export<double, 2>(a, b, -1.0, false, false, x, status);
+}
+JQ_EXPORT int32_t CxEqsSetBySVDDri_head(JQMatC128 a, JQMatC128 b, JQMatC128 x, int32_t* status) {
+  return least_squares_export<cdouble, 2>(a, b, -1.0, false, false, x, status);
+}
+JQ_EXPORT int32_t EqsSetBySVDDri82_head(JQMatF64 a, JQMatF64 b, double tolerance, JQMatF64 x, int32_t* status) {
+  return least_squares_export<double, 2>(a, b, tolerance, false, false, x, status);
+}
+JQ_EXPORT int32_t CxEqsSetBySVDDri82_head(JQMatC128 a, JQMatC128 b, double tolerance, JQMatC128 x, int32_t* status) {
+  return least_squares_export<cdouble, 2>(a, b, tolerance, false, false, x, status);
 }

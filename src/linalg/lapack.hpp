@@ -70,6 +70,15 @@ void sig_zgeev(const char*, const char*, const I*, cdouble*, const I*, cdouble*,
 void sig_dgelsd(const I*, const I*, const I*, double*, const I*, double*, const I*, double*, const double*, I*,
                 double*, const I*, I*, I*);
 
+void sig_dgeqp3(const I*, const I*, double*, const I*, I*, double*, double*, const I*, I*);
+void sig_zgeqp3(const I*, const I*, cdouble*, const I*, I*, cdouble*, cdouble*, const I*, double*, I*);
+void sig_dorgqr(const I*, const I*, const I*, double*, const I*, const double*, double*, const I*, I*);
+void sig_zungqr(const I*, const I*, const I*, cdouble*, const I*, const cdouble*, cdouble*, const I*, I*);
+void sig_dgelqf(const I*, const I*, double*, const I*, double*, double*, const I*, I*);
+void sig_zgelqf(const I*, const I*, cdouble*, const I*, cdouble*, cdouble*, const I*, I*);
+void sig_dorglq(const I*, const I*, const I*, double*, const I*, const double*, double*, const I*, I*);
+void sig_zunglq(const I*, const I*, const I*, cdouble*, const I*, const cdouble*, cdouble*, const I*, I*);
+
 // Per-type names of the operations written once for real and complex data.
 template <class T> struct Blas;
 
@@ -88,6 +97,41 @@ template <> struct Blas<double> {
   static void potrf(char uplo, I n, double* a, I lda, I* info) { JQ_CALL(dpotrf, &uplo, &n, a, &lda, info); }
   static void gesv(I n, I nrhs, double* a, I lda, I* ipiv, double* b, I ldb, I* info) {
     JQ_CALL(dgesv, &n, &nrhs, a, &lda, ipiv, b, &ldb, info);
+  }
+  static void gemm_t(int ta, int tb, I m, I n, I k, const double* a, I lda, const double* b, I ldb, double* c, I ldc) {
+    JQ_CALL(cblas_dgemm, kRowMajor, ta, tb, m, n, k, 1.0, a, lda, b, ldb, 0.0, c, ldc);
+  }
+  static double nrm2(I n, const double* x) { return JQ_CALL(cblas_dnrm2, n, x, 1); }
+  static double dot(I n, const double* x, const double* y) { return JQ_CALL(cblas_ddot, n, x, 1, y, 1); }
+  static void axpy(I n, double a, const double* x, double* y) { JQ_CALL(cblas_daxpy, n, a, x, 1, y, 1); }
+  static void scal(I n, double a, double* x, I inc) { JQ_CALL(cblas_dscal, n, a, x, inc); }
+  // Singular value decomposition; rwork is unused for real data.
+  static void gesdd(char job, I m, I n, double* a, I lda, double* s, double* u, I ldu, double* vt, I ldvt,
+                    double* work, I lwork, double*, I* iwork, I* info) {
+    JQ_CALL(dgesdd, &job, &m, &n, a, &lda, s, u, &ldu, vt, &ldvt, work, &lwork, iwork, info);
+  }
+  static void potri(char uplo, I n, double* a, I lda, I* info) { JQ_CALL(dpotri, &uplo, &n, a, &lda, info); }
+  static void posv(char uplo, I n, I nrhs, double* a, I lda, double* b, I ldb, I* info) {
+    JQ_CALL(dposv, &uplo, &n, &nrhs, a, &lda, b, &ldb, info);
+  }
+  static void trtri(char uplo, char diag, I n, double* a, I lda, I* info) {
+    JQ_CALL(dtrtri, &uplo, &diag, &n, a, &lda, info);
+  }
+  static void geqp3(I m, I n, double* a, I lda, I* jpvt, double* tau, double* work, I lwork, double*, I* info) {
+    JQ_CALL(dgeqp3, &m, &n, a, &lda, jpvt, tau, work, &lwork, info);
+  }
+  static void orgqr(I m, I n, I k, double* a, I lda, const double* tau, double* work, I lwork, I* info) {
+    JQ_CALL(dorgqr, &m, &n, &k, a, &lda, tau, work, &lwork, info);
+  }
+  static void gelqf(I m, I n, double* a, I lda, double* tau, double* work, I lwork, I* info) {
+    JQ_CALL(dgelqf, &m, &n, a, &lda, tau, work, &lwork, info);
+  }
+  static void orglq(I m, I n, I k, double* a, I lda, const double* tau, double* work, I lwork, I* info) {
+    JQ_CALL(dorglq, &m, &n, &k, a, &lda, tau, work, &lwork, info);
+  }
+  // Symmetric eigenproblem; rwork is unused for real data.
+  static void syevd(I n, double* a, double* w, double* work, I lwork, double*, I, I* iwork, I liwork, I* info) {
+    JQ_CALL(dsyevd, "V", "L", &n, a, &n, w, work, &lwork, iwork, &liwork, info);
   }
 };
 
@@ -108,6 +152,48 @@ template <> struct Blas<cdouble> {
   static void potrf(char uplo, I n, cdouble* a, I lda, I* info) { JQ_CALL(zpotrf, &uplo, &n, a, &lda, info); }
   static void gesv(I n, I nrhs, cdouble* a, I lda, I* ipiv, cdouble* b, I ldb, I* info) {
     JQ_CALL(zgesv, &n, &nrhs, a, &lda, ipiv, b, &ldb, info);
+  }
+  static void gemm_t(int ta, int tb, I m, I n, I k, const cdouble* a, I lda, const cdouble* b, I ldb, cdouble* c,
+                     I ldc) {
+    const cdouble one = 1.0, zero = 0.0;
+    JQ_CALL(cblas_zgemm, kRowMajor, ta, tb, m, n, k, &one, a, lda, b, ldb, &zero, c, ldc);
+  }
+  static double nrm2(I n, const cdouble* x) { return JQ_CALL(cblas_dznrm2, n, x, 1); }
+  // Unconjugated, as x^T y.
+  static cdouble dot(I n, const cdouble* x, const cdouble* y) {
+    cdouble r;
+    JQ_CALL(cblas_zdotu_sub, n, x, 1, y, 1, &r);
+    return r;
+  }
+  static void axpy(I n, cdouble a, const cdouble* x, cdouble* y) { JQ_CALL(cblas_zaxpy, n, &a, x, 1, y, 1); }
+  static void scal(I n, cdouble a, cdouble* x, I inc) { JQ_CALL(cblas_zscal, n, &a, x, inc); }
+  static void gesdd(char job, I m, I n, cdouble* a, I lda, double* s, cdouble* u, I ldu, cdouble* vt, I ldvt,
+                    cdouble* work, I lwork, double* rwork, I* iwork, I* info) {
+    JQ_CALL(zgesdd, &job, &m, &n, a, &lda, s, u, &ldu, vt, &ldvt, work, &lwork, rwork, iwork, info);
+  }
+  static void potri(char uplo, I n, cdouble* a, I lda, I* info) { JQ_CALL(zpotri, &uplo, &n, a, &lda, info); }
+  static void posv(char uplo, I n, I nrhs, cdouble* a, I lda, cdouble* b, I ldb, I* info) {
+    JQ_CALL(zposv, &uplo, &n, &nrhs, a, &lda, b, &ldb, info);
+  }
+  static void trtri(char uplo, char diag, I n, cdouble* a, I lda, I* info) {
+    JQ_CALL(ztrtri, &uplo, &diag, &n, a, &lda, info);
+  }
+  static void geqp3(I m, I n, cdouble* a, I lda, I* jpvt, cdouble* tau, cdouble* work, I lwork, double* rwork,
+                    I* info) {
+    JQ_CALL(zgeqp3, &m, &n, a, &lda, jpvt, tau, work, &lwork, rwork, info);
+  }
+  static void orgqr(I m, I n, I k, cdouble* a, I lda, const cdouble* tau, cdouble* work, I lwork, I* info) {
+    JQ_CALL(zungqr, &m, &n, &k, a, &lda, tau, work, &lwork, info);
+  }
+  static void gelqf(I m, I n, cdouble* a, I lda, cdouble* tau, cdouble* work, I lwork, I* info) {
+    JQ_CALL(zgelqf, &m, &n, a, &lda, tau, work, &lwork, info);
+  }
+  static void orglq(I m, I n, I k, cdouble* a, I lda, const cdouble* tau, cdouble* work, I lwork, I* info) {
+    JQ_CALL(zunglq, &m, &n, &k, a, &lda, tau, work, &lwork, info);
+  }
+  static void syevd(I n, cdouble* a, double* w, cdouble* work, I lwork, double* rwork, I lrwork, I* iwork, I liwork,
+                    I* info) {
+    JQ_CALL(zheevd, "V", "L", &n, a, &n, w, work, &lwork, rwork, &lrwork, iwork, &liwork, info);
   }
 };
 
