@@ -424,8 +424,9 @@ template <class T> int32_t svd_export(Handle m, Handle u, Handle s, Handle v, bo
   Out<double> so(s);
   Out2<double> smat(s);
   const int32_t rows = a.rows(), cols = a.cols(), k = std::min(rows, cols);
-  auto run = [&](Outputs& out, bool sized, double* sdata) {
+  auto run = [&](Outputs& out, bool sized) {
     if (!sized) return out.report(kNoMemory, status);
+    double* sdata = full ? smat.data() : so.data();
     Buffer<double> sv;
     Buffer<T> vh;
     const int32_t vr = full ? cols : k;
@@ -443,12 +444,12 @@ template <class T> int32_t svd_export(Handle m, Handle u, Handle s, Handle v, bo
     if (non_finite(a)) return out.report(kNonFiniteMatrix, status);
     const bool sized = out.size(uo, rows, rows) && out.size(smat, rows, cols) && out.size(vo, cols, cols);
     if (sized) std::fill(smat.data(), smat.data() + int64_t{rows} * cols, 0.0);
-    return run(out, sized, smat.data());
+    return run(out, sized);
   }
   Outputs out(uo, so, vo);
   if (a.empty()) return out.report(kEmptyInput, status);
   if (non_finite(a)) return out.report(kNonFiniteMatrix, status);
-  return run(out, out.size(uo, rows, k) && out.size(so, k) && out.size(vo, cols, k), so.data());
+  return run(out, out.size(uo, rows, k) && out.size(so, k) && out.size(vo, cols, k));
 }
 
 template <class T> int32_t singular_values_export(Handle m, Handle s, int32_t* status) {

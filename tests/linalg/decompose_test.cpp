@@ -267,3 +267,85 @@ TEST(Decompose, SmallMembers) {
 }
 
 }  // namespace
+
+namespace {
+
+// Each internal allocation of each member fails in turn: -20001 with the
+// outputs emptied, or success when the failure fell past the last one; no
+// module block survives either way.
+TEST(Decompose, EveryAllocationFailure) {
+  lt::NoBufferLeft guard;
+  auto a = jqrt::Array2<double>::rows({{4, 1, 2}, {1, 3, 0}, {2, 0, 5}, {1, 1, 1}});
+  auto sq = jqrt::Array2<double>::rows({{4, 1, 2}, {1, 3, 0}, {2, 0, 5}});
+  jqrt::Array<double> b{1, 2, 3, 4};
+  using Call = std::function<int32_t(jqrt::Array2<double>&, jqrt::Array<double>&)>;
+  const std::pair<const char*, Call> calls[] = {
+      {"svd", [&](auto& o, auto& s) { int32_t e; jqrt::Array2<double> v; SVD_head(a.h(), o.h(), s.h(), v.h(), &e); return e; }},
+      {"qr", [&](auto& o, auto&) { int32_t e; jqrt::Array2<double> r; jqrt::Array<int32_t> p; QRDecH(a.h(), o.h(), r.h(), p.h(), &e); return e; }},
+      {"lq", [&](auto& o, auto&) { int32_t e; jqrt::Array2<double> r; qrd_head(a.h(), o.h(), r.h(), &e); return e; }},
+      {"pinv", [&](auto& o, auto&) { int32_t e; PseudoInverse_head(a.h(), -1, o.h(), &e); return e; }},
+      {"lstsq", [&](auto&, auto& s) { int32_t e; GenLinEqs_head(a.h(), b.h(), s.h(), &e); return e; }},
+      {"eig", [&](auto&, auto&) { int32_t e; jqrt::Array<lt::cd> w; jqrt::Array2<lt::cd> v; EigenValueVector_head(sq.h(), w.h(), v.h(), &e); return e; }},
+      {"eigh", [&](auto& o, auto& s) { int32_t e; SymEvectorEvalue_head(sq.h(), s.h(), o.h(), &e); return e; }},
+      {"cholesky inverse", [&](auto& o, auto&) { int32_t e; InvMatrixChoDri_head(sq.h(), o.h(), &e); return e; }},
+      {"lu", [&](auto& o, auto&) {
+         int32_t e, parity;
+         auto f = jqrt::Array2<double>::rows({{4, 1}, {1, 3}});
+         jqrt::Array<int32_t> p;
+         LU_head(f.h(), p.h(), &parity, &e);
+         return e == -20001 && (f.rows() || p.rows()) ? 1 : e;
+       }},
+  };
+  for (const auto& [what, call] : calls) {
+    SCOPED_TRACE(what);
+    int failures = 0;
+    for (int nth = 1; nth <= 12; ++nth) {
+      jqrt::Array2<double> o(2, 2);
+      jqrt::Array<double> s(2);
+      jq::fail_scratch_allocation(nth);
+      const int32_t e = call(o, s);
+      jq::fail_scratch_allocation(0);
+      ASSERT_TRUE(e == 0 || e == -20001) << nth << ": " << e;
+      failures += e != 0;
+    }
+    EXPECT_GE(failures, 1);
+  }
+}
+
+TEST(Decompose, Rejections) {
+  auto wide = jqrt::Array2<double>::rows({{1, 2, 3}, {4, 5, 6}});
+  auto notpd = jqrt::Array2<double>::rows({{1, 2}, {2, 1}});
+  auto nan2 = jqrt::Array2<double>::rows({{1, std::nan("")}, {2, 1}});
+  jqrt::Array2<double> empty(0, 3);
+  jqrt::Array<double> b3{1, 2, 3}, b2{1, 2};
+  int32_t e;
+  using jqtest::reported;
+  jqtest::expect_rejections<double, 2>({
+      {"cholesky, not positive definite", -20071, [&](uint8_t** o) { return reported(FullCholesky_head(notpd.h(), o, &e), e); }},
+      {"cholesky, not square", -20040, [&](uint8_t** o) { return reported(FullCholesky_head(wide.h(), o, &e), e); }},
+      {"triangular inverse, bad type", -20061, [&](uint8_t** o) { return reported(InvMatrixTriDri_head(notpd.h(), 2, o, &e), e); }},
+      {"pinv, NaN", -20068, [&](uint8_t** o) { return reported(PseudoInverse_head(nan2.h(), -1, o, &e), e); }},
+      {"pinv, empty", -20003, [&](uint8_t** o) { return reported(PseudoInverse_head(empty.h(), -1, o, &e), e); }},
+      {"svd ex resize", -20001, [&](uint8_t** o) { jqrt::Array2<double> s, v; return reported(SVDEx_head(wide.h(), o, s.h(), v.h(), &e), e); }, 2},
+      {"eigenvectors, not square", -20040, [&](uint8_t** o) { jqrt::Array<double> w; return reported(SymEvectorEvalue_head(wide.h(), w.h(), o, &e), e); }},
+  });
+  jqtest::expect_rejections<double, 1>({
+      {"lstsq, b length", -20002, [&](uint8_t** o) { return reported(GenLinEqs_head(wide.h(), b3.h(), o, &e), e); }},
+      {"lstsq, empty", -20003, [&](uint8_t** o) { return reported(GenLinEqs_head(empty.h(), b2.h(), o, &e), e); }},
+      {"cholesky solve, not positive definite", -20071, [&](uint8_t** o) { return reported(EqsByCholeskyDri_head(notpd.h(), b2.h(), o, &e), e); }},
+      {"A x, length", -20002, [&](uint8_t** o) { return reported(AxVect_head(wide.h(), b2.h(), o, &e), e); }},
+      {"x A, length", -20039, [&](uint8_t** o) { return reported(vectxA_head(b3.h(), wide.h(), o, &e), e); }},
+      {"singular values resize", -20001, [&](uint8_t** o) { return reported(SVDS_head(wide.h(), o, &e), e); }, 1},
+  });
+  jqrt::Array<double> x, s;
+  EXPECT_EQ(GenLinEqs2010_head(wide.h(), b3.h(), -1, x.h(), s.h()), -20002);
+  EXPECT_EQ(GenLinEqs2010_head(wide.h(), b2.h(), -1, x.h(), s.h()), 0);
+  EXPECT_EQ(x.rows(), 3);
+  EXPECT_EQ(s.rows(), 2);
+  int32_t rank = 5;
+  Rank_head(nan2.h(), -1, &rank, &e);
+  EXPECT_EQ(e, -20068);
+  EXPECT_EQ(rank, -1);
+}
+
+}  // namespace
