@@ -87,32 +87,50 @@ template <class T> int32_t inverse_export(Handle m, Handle inv, int32_t* status)
   return out.report(inverse_lu(a.data(), a.rows(), res.data()), status);
 }
 
-// A x = b with b a vector (Dims 1) or a matrix of right-hand sides (Dims 2).
-template <class T, int Dims> int32_t solve_export(Handle m, Handle rhs, Handle x, int32_t* status) {
+// Right-hand sides of a solver: a vector (Dims 1) or a matrix (Dims 2).
+template <class T, int Dims> struct Rhs {
+  int32_t rows, k;
+  const T* data;
+  explicit Rhs(Handle h) {
+    if constexpr (Dims == 1) {
+      Array1<const T> v(h);
+      rows = v.size(), k = 1, data = v.data();
+    } else {
+      Mat<T> v(h);
+      rows = v.rows(), k = v.cols(), data = v.data();
+    }
+  }
+};
+
+template <class T, int Dims> bool size_solution(Outputs& out, Out<T, Dims>& x, int32_t rows, int32_t k) {
+  if constexpr (Dims == 1)
+    return out.size(x, rows);
+  else
+    return out.size(x, rows, k);
+}
+
+// Solvers of A X = B with B a vector (Dims 1) or a matrix of right-hand
+// sides (Dims 2): empty, A not square (where it must be), B's rows, then
+// finiteness; the solution has columns(A) rows.
+template <class T, int Dims, class F>
+int32_t solver_export(Handle m, Handle rhs, Handle x, bool square, int32_t* status, F compute) {
   clear(status);
   Mat<T> a(m);
+  Rhs<T, Dims> b(rhs);
   Out<T, Dims> res(x);
   Outputs out(res);
-  int32_t rows, k;
-  const T* b;
-  if constexpr (Dims == 1) {
-    Array1<const T> v(rhs);
-    rows = v.size(), k = 1, b = v.data();
-  } else {
-    Mat<T> v(rhs);
-    rows = v.rows(), k = v.cols(), b = v.data();
-  }
-  if (a.empty() || rows < 1 || k < 1) return out.report(kEmptyInput, status);
-  if (a.rows() != a.cols()) return out.report(kDimMismatch, status);
-  if (rows != a.rows()) return out.report(Dims == 1 ? kLengthMismatch : kIncompatibleDims, status);
-  if (non_finite(a) || has_non_finite(b, count(rows, k))) return out.report(kNonFiniteMatrix, status);
-  bool sized;
-  if constexpr (Dims == 1)
-    sized = out.size(res, rows);
-  else
-    sized = out.size(res, rows, k);
-  if (!sized) return out.report(kNoMemory, status);
-  return out.report(solve_lu(a.data(), rows, b, k, res.data()), status);
+  if (a.empty() || b.rows < 1 || b.k < 1) return out.report(kEmptyInput, status);
+  if (square && a.rows() != a.cols()) return out.report(kDimMismatch, status);
+  if (b.rows != a.rows()) return out.report(Dims == 1 ? kLengthMismatch : kIncompatibleDims, status);
+  if (non_finite(a) || has_non_finite(b.data, count(b.rows, b.k))) return out.report(kNonFiniteMatrix, status);
+  if (!size_solution(out, res, a.cols(), b.k)) return out.report(kNoMemory, status);
+  return out.report(compute(a, b, res.data()), status);
+}
+
+template <class T, int Dims> int32_t solve_export(Handle m, Handle rhs, Handle x, int32_t* status) {
+  return solver_export<T, Dims>(m, rhs, x, true, status, [](const Mat<T>& a, const Rhs<T, Dims>& b, T* res) {
+    return solve_lu(a.data(), b.rows, b.data, b.k, res);
+  });
 }
 
 }  // namespace
@@ -463,80 +481,33 @@ template <class T> int32_t singular_values_export(Handle m, Handle s, int32_t* s
   return out.report(singular_values(a.data(), a.rows(), a.cols(), so.data()), status);
 }
 
-template <class T> int32_t eigen_export(Handle m, Handle values, Handle vectors, int32_t* status) {
+// Eigenvalues (V) and eigenvectors (X) of a square matrix.
+template <class T, class V, class X, class F>
+int32_t eigen_export(Handle m, Handle values, Handle vectors, int32_t* status, F compute) {
   clear(status);
   Mat<T> a(m);
-  Out<cdouble> vo(values);
-  Out2<cdouble> xo(vectors);
+  Out<V> vo(values);
+  Out2<X> xo(vectors);
   Outputs out(vo, xo);
   if (int32_t code = square_checks(a)) return out.report(code, status);
   if (!out.size(vo, a.rows()) || !out.size(xo, a.rows(), a.rows())) return out.report(kNoMemory, status);
-  return out.report(eigen(a.data(), a.rows(), vo.data(), xo.data()), status);
-}
-
-template <class T> int32_t symmetric_eigen_export(Handle m, Handle values, Handle vectors, int32_t* status) {
-  clear(status);
-  Mat<T> a(m);
-  Out<double> vo(values);
-  Out2<T> xo(vectors);
-  Outputs out(vo, xo);
-  if (int32_t code = square_checks(a)) return out.report(code, status);
-  if (!out.size(vo, a.rows()) || !out.size(xo, a.rows(), a.rows())) return out.report(kNoMemory, status);
-  return out.report(eigen_symmetric(a.data(), a.rows(), vo.data(), xo.data()), status);
-}
-
-// Right-hand sides of a solver: a vector (Dims 1) or a matrix (Dims 2).
-template <class T, int Dims> struct Rhs {
-  int32_t rows, k;
-  const T* data;
-  explicit Rhs(Handle h) {
-    if constexpr (Dims == 1) {
-      Array1<const T> v(h);
-      rows = v.size(), k = 1, data = v.data();
-    } else {
-      Mat<T> v(h);
-      rows = v.rows(), k = v.cols(), data = v.data();
-    }
-  }
-};
-
-template <class T, int Dims> bool size_solution(Outputs& out, Out<T, Dims>& x, int32_t rows, int32_t k) {
-  if constexpr (Dims == 1)
-    return out.size(x, rows);
-  else
-    return out.size(x, rows, k);
+  return out.report(compute(a.data(), a.rows(), vo.data(), xo.data()), status);
 }
 
 // General (possibly non-square) least squares. warn_ok turns the
 // rank-deficiency warning into success.
 template <class T, int Dims>
 int32_t least_squares_export(Handle m, Handle rhs, double tol, bool force_svd, bool warn_ok, Handle x, int32_t* status) {
-  clear(status);
-  Mat<T> a(m);
-  Rhs<T, Dims> b(rhs);
-  Out<T, Dims> res(x);
-  Outputs out(res);
-  if (a.empty() || b.rows < 1 || b.k < 1) return out.report(kEmptyInput, status);
-  if (b.rows != a.rows()) return out.report(Dims == 1 ? kLengthMismatch : kIncompatibleDims, status);
-  if (non_finite(a) || has_non_finite(b.data, count(b.rows, b.k))) return out.report(kNonFiniteMatrix, status);
-  if (!size_solution(out, res, a.cols(), b.k)) return out.report(kNoMemory, status);
-  int32_t code = least_squares(a.data(), a.rows(), a.cols(), b.data, b.k, tol, force_svd, res.data());
-  if (warn_ok && code == kWarnRankDeficient) code = kOk;
-  return out.report(code, status);
+  return solver_export<T, Dims>(m, rhs, x, false, status, [&](const Mat<T>& a, const Rhs<T, Dims>& b, T* res) {
+    const int32_t code = least_squares(a.data(), a.rows(), a.cols(), b.data, b.k, tol, force_svd, res);
+    return warn_ok && code == kWarnRankDeficient ? kOk : code;
+  });
 }
 
 template <class T, int Dims> int32_t cholesky_solve_export(Handle m, Handle rhs, Handle x, int32_t* status) {
-  clear(status);
-  Mat<T> a(m);
-  Rhs<T, Dims> b(rhs);
-  Out<T, Dims> res(x);
-  Outputs out(res);
-  if (a.empty() || b.rows < 1 || b.k < 1) return out.report(kEmptyInput, status);
-  if (a.rows() != a.cols()) return out.report(kDimMismatch, status);
-  if (b.rows != a.rows()) return out.report(Dims == 1 ? kLengthMismatch : kIncompatibleDims, status);
-  if (non_finite(a) || has_non_finite(b.data, count(b.rows, b.k))) return out.report(kNonFiniteMatrix, status);
-  if (!size_solution(out, res, b.rows, b.k)) return out.report(kNoMemory, status);
-  return out.report(solve_cholesky(a.data(), b.rows, b.data, b.k, res.data()), status);
+  return solver_export<T, Dims>(m, rhs, x, true, status, [](const Mat<T>& a, const Rhs<T, Dims>& b, T* res) {
+    return solve_cholesky(a.data(), b.rows, b.data, b.k, res);
+  });
 }
 
 // Reporting shape (a) with the singular values as the second output: the
@@ -608,16 +579,16 @@ JQ_EXPORT int32_t CxSVDEx_head(JQMatC128 a, JQMatC128 u, JQMatF64 s, JQMatC128 v
 JQ_EXPORT int32_t SVDS_head(JQMatF64 a, JQArrF64 s, int32_t* status) { return singular_values_export<double>(a, s, status); }
 JQ_EXPORT int32_t CxSVDS_head(JQMatC128 a, JQArrF64 s, int32_t* status) { return singular_values_export<cdouble>(a, s, status); }
 JQ_EXPORT int32_t EigenValueVector_head(JQMatF64 a, JQArrC128 values, JQMatC128 vectors, int32_t* status) {
-  return eigen_export<double>(a, values, vectors, status);
+  return eigen_export<double, cdouble, cdouble>(a, values, vectors, status, eigen<double>);
 }
 JQ_EXPORT int32_t CxEigenValueVector_head(JQMatC128 a, JQArrC128 values, JQMatC128 vectors, int32_t* status) {
-  return eigen_export<cdouble>(a, values, vectors, status);
+  return eigen_export<cdouble, cdouble, cdouble>(a, values, vectors, status, eigen<cdouble>);
 }
 JQ_EXPORT int32_t SymEvectorEvalue_head(JQMatF64 a, JQArrF64 values, JQMatF64 vectors, int32_t* status) {
-  return symmetric_eigen_export<double>(a, values, vectors, status);
+  return eigen_export<double, double, double>(a, values, vectors, status, eigen_symmetric<double>);
 }
 JQ_EXPORT int32_t CxSymEvectorEvalue_head(JQMatC128 a, JQArrF64 values, JQMatC128 vectors, int32_t* status) {
-  return symmetric_eigen_export<cdouble>(a, values, vectors, status);
+  return eigen_export<cdouble, double, cdouble>(a, values, vectors, status, eigen_symmetric<cdouble>);
 }
 JQ_EXPORT int32_t EqsByCholeskyDri_head(JQMatF64 a, JQArrF64 b, JQArrF64 x, int32_t* status) {
   return cholesky_solve_export<double, 1>(a, b, x, status);

@@ -46,27 +46,27 @@ template <class T> int32_t lu(T* a, int32_t m, int32_t n, int32_t* pivots, int32
 
 // LAPACK sees the row-major data as A^T = conj(A); its upper factor U
 // (A^T = U^H U) read back row-major is the lower factor L = U^T of A.
-template <class T> int32_t cholesky(const T* a, int32_t n, T* l) {
+template <class T> int32_t cholesky_factor(const T* a, int32_t n, Buffer<T>& c) {
   if (int32_t rc = ready()) return rc;
-  Buffer<T> c;
   if (c.allocate(int64_t{n} * n)) return kNoMemory;
   std::memcpy(static_cast<void*>(c.data()), a, sizeof(T) * static_cast<size_t>(n) * n);
   I info = 0;
   Blas<T>::potrf('U', n, c.data(), n, &info);
-  if (info > 0) return kNotPosDef;
+  return info > 0 ? kNotPosDef : kOk;
+}
+
+template <class T> int32_t cholesky(const T* a, int32_t n, T* l) {
+  Buffer<T> c;
+  if (int32_t rc = cholesky_factor(a, n, c)) return rc;
   std::memcpy(static_cast<void*>(l), c.data(), sizeof(T) * static_cast<size_t>(n) * n);
   zero_triangle(l, n, true);
   return kOk;
 }
 
 template <class T> int32_t inverse_cholesky(const T* a, int32_t n, T* inv) {
-  if (int32_t rc = ready()) return rc;
   Buffer<T> c;
-  if (c.allocate(int64_t{n} * n)) return kNoMemory;
-  std::memcpy(static_cast<void*>(c.data()), a, sizeof(T) * static_cast<size_t>(n) * n);
+  if (int32_t rc = cholesky_factor(a, n, c)) return rc;
   I info = 0;
-  Blas<T>::potrf('U', n, c.data(), n, &info);
-  if (info > 0) return kNotPosDef;
   Blas<T>::potri('U', n, c.data(), n, &info);
   if (info > 0) return kSingular;
   // The inverse stands in the lower triangle of the row-major view.
