@@ -170,6 +170,39 @@ JQ_API int32_t CxEqsSetBySVDDri_head(JQ_IN JQMatC128 a, JQ_IN JQMatC128 b, JQ_OU
 JQ_API int32_t EqsSetBySVDDri82_head(JQ_IN JQMatF64 a, JQ_IN JQMatF64 b, double tolerance, JQ_OUT JQMatF64 x, JQ_OUT int32_t* status);
 JQ_API int32_t CxEqsSetBySVDDri82_head(JQ_IN JQMatC128 a, JQ_IN JQMatC128 b, double tolerance, JQ_OUT JQMatC128 x, JQ_OUT int32_t* status);
 
+/* Solve and inverse from LU factors and 0-based pivots as LU_head returns
+ * them (a pivot outside [i, n): -20061). */
+JQ_API int32_t LULinEqs_head(JQ_IN JQMatF64 lu, JQ_IN JQArrI32 pivots, JQ_IN JQArrF64 b, JQ_OUT JQArrF64 x, JQ_OUT int32_t* status);
+JQ_API int32_t CxLULinEqs_head(JQ_IN JQMatC128 lu, JQ_IN JQArrI32 pivots, JQ_IN JQArrC128 b, JQ_OUT JQArrC128 x, JQ_OUT int32_t* status);
+JQ_API int32_t LUInvMatrix_head(JQ_IN JQMatF64 lu, JQ_IN JQArrI32 pivots, JQ_OUT JQMatF64 inverse, JQ_OUT int32_t* status);
+JQ_API int32_t CxLUInvMatrix_head(JQ_IN JQMatC128 lu, JQ_IN JQArrI32 pivots, JQ_OUT JQMatC128 inverse, JQ_OUT int32_t* status);
+
+/* Tridiagonal systems: sub-diagonal (n - 1), diagonal (n), super-diagonal
+ * (n - 1); a vector or a matrix of right-hand sides. */
+JQ_API int32_t TriDiagEqsByLU_head(JQ_IN JQArrF64 sub, JQ_IN JQArrF64 diag, JQ_IN JQArrF64 super, JQ_IN JQArrF64 b, JQ_OUT JQArrF64 x, JQ_OUT int32_t* status);
+JQ_API int32_t TriDiagEqsSetByLU_head(JQ_IN JQArrF64 sub, JQ_IN JQArrF64 diag, JQ_IN JQArrF64 super, JQ_IN JQMatF64 b, JQ_OUT JQMatF64 x, JQ_OUT int32_t* status);
+
+/* Property tests of a square matrix: result 1 or 0 (-1 on an error).
+ * Symmetric (Hermitian) within n * eps * the largest magnitude; positive
+ * definite: symmetric with every eigenvalue above 0; semi-definite: none
+ * below -n * eps * the largest eigenvalue magnitude. */
+JQ_API int32_t CheckSym_head(JQ_IN JQMatF64 a, JQ_OUT int32_t* result, JQ_OUT int32_t* status);
+JQ_API int32_t CxCheckSym_head(JQ_IN JQMatC128 a, JQ_OUT int32_t* result, JQ_OUT int32_t* status);
+JQ_API int32_t CheckPosdef_head(JQ_IN JQMatF64 a, JQ_OUT int32_t* result, JQ_OUT int32_t* status);
+JQ_API int32_t CxCheckPosdef_head(JQ_IN JQMatC128 a, JQ_OUT int32_t* result, JQ_OUT int32_t* status);
+JQ_API int32_t CheckPosSemiDef_head(JQ_IN JQMatF64 a, JQ_OUT int32_t* result, JQ_OUT int32_t* status);
+JQ_API int32_t CxCheckPosSemiDef_head(JQ_IN JQMatC128 a, JQ_OUT int32_t* result, JQ_OUT int32_t* status);
+
+/* Hessenberg form A = Q H Q^H; Schur form A = Z S Z^H (real data: S quasi
+ * upper triangular with 2 x 2 blocks for complex pairs); characteristic
+ * polynomial det(x I - A), coefficients constant first, leading 1. */
+JQ_API int32_t Hessenberg_head(JQ_IN JQMatF64 a, JQ_OUT JQMatF64 h, JQ_OUT JQMatF64 q, JQ_OUT int32_t* status);
+JQ_API int32_t CxHessenberg_head(JQ_IN JQMatC128 a, JQ_OUT JQMatC128 h, JQ_OUT JQMatC128 q, JQ_OUT int32_t* status);
+JQ_API int32_t Schur_head(JQ_IN JQMatF64 a, JQ_OUT JQMatF64 s, JQ_OUT JQMatF64 z, JQ_OUT int32_t* status);
+JQ_API int32_t CxSchur_head(JQ_IN JQMatC128 a, JQ_OUT JQMatC128 s, JQ_OUT JQMatC128 z, JQ_OUT int32_t* status);
+JQ_API int32_t MatrixCharacteristicPoly_head(JQ_IN JQMatF64 a, JQ_OUT JQArrF64 coefficients, JQ_OUT int32_t* status);
+JQ_API int32_t CxMatrixCharacteristicPoly_head(JQ_IN JQMatC128 a, JQ_OUT JQArrC128 coefficients, JQ_OUT int32_t* status);
+
 #ifdef __cplusplus
 }
 #endif

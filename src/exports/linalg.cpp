@@ -9,6 +9,7 @@
 #include "linalg/basic.hpp"
 #include "linalg/decompose.hpp"
 #include "linalg/dense.hpp"
+#include "linalg/structured.hpp"
 #include "linalg/svd.hpp"
 
 using namespace jq;
@@ -637,4 +638,150 @@ JQ_EXPORT int32_t EqsSetBySVDDri82_head(JQMatF64 a, JQMatF64 b, double tolerance
 }
 JQ_EXPORT int32_t CxEqsSetBySVDDri82_head(JQMatC128 a, JQMatC128 b, double tolerance, JQMatC128 x, int32_t* status) {
   return least_squares_export<cdouble, 2>(a, b, tolerance, false, false, x, status);
+}
+
+// ---- given factors, structures, properties and forms ---------------------------------------
+
+namespace {
+
+// LU factors and pivots as LU_head returns them.
+template <class T, class F> int32_t from_lu_export(Handle lu, Handle piv, Handle out_h, int dims, int32_t* status, F compute) {
+  clear(status);
+  Mat<T> f(lu);
+  Array1<const int32_t> p(piv);
+  Out<T> vec(out_h);
+  Out2<T> mat(out_h);
+  Outputs out1(vec), out2(mat);
+  Outputs& out = dims == 1 ? out1 : out2;
+  const int32_t n = f.rows();
+  int32_t code = f.empty() || p.empty() ? kEmptyInput : f.rows() != f.cols() ? kDimMismatch
+                 : p.size() != n ? kLengthMismatch : non_finite(f) ? kNonFiniteMatrix : kOk;
+  for (int32_t i = 0; !code && i < n; ++i)
+    if (p[i] < i || p[i] >= n) code = kBadSelector;
+  if (code) return out.report(code, status);
+  return compute(f, p, out, vec, mat);
+}
+
+template <class T> int32_t lu_solve_export(Handle lu, Handle piv, Handle b, Handle x, int32_t* status) {
+  Array1<const T> v(b);
+  if (v.empty() || Mat<T>(lu).empty()) {
+    Out<T> o(x);
+    Outputs out(o);
+    clear(status);
+    return out.report(kEmptyInput, status);
+  }
+  return from_lu_export<T>(lu, piv, x, 1, status, [&](const Mat<T>& f, const Array1<const int32_t>& p, Outputs& out, Out<T>& vec, Out2<T>&) {
+    if (v.size() != f.rows()) return out.report(kLengthMismatch, status);
+    if (non_finite(v)) return out.report(kNonFiniteMatrix, status);
+    if (!out.size(vec, f.rows())) return out.report(kNoMemory, status);
+    return out.report(lu_solve(f.data(), p.data(), f.rows(), v.data(), vec.data()), status);
+  });
+}
+
+template <class T> int32_t lu_inverse_export(Handle lu, Handle piv, Handle inv, int32_t* status) {
+  return from_lu_export<T>(lu, piv, inv, 2, status, [&](const Mat<T>& f, const Array1<const int32_t>& p, Outputs& out, Out<T>&, Out2<T>& mat) {
+    if (!out.size(mat, f.rows(), f.rows())) return out.report(kNoMemory, status);
+    return out.report(lu_inverse(f.data(), p.data(), f.rows(), mat.data()), status);
+  });
+}
+
+template <int Dims> int32_t tridiagonal_export(Handle sub, Handle diag, Handle super, Handle rhs, Handle x, int32_t* status) {
+  clear(status);
+  Array1<const double> dl(sub), d(diag), du(super);
+  Rhs<double, Dims> b(rhs);
+  Out<double, Dims> res(x);
+  Outputs out(res);
+  const int32_t n = d.size();
+  if (d.empty() || b.rows < 1 || b.k < 1 || (n > 1 && (dl.empty() || du.empty()))) return out.report(kEmptyInput, status);
+  if ((n > 1 && (dl.size() != n - 1 || du.size() != n - 1)) || b.rows != n) return out.report(kLengthMismatch, status);
+  if (has_non_finite(d.data(), n) || (n > 1 && (non_finite(dl) || non_finite(du))) || has_non_finite(b.data, count(n, b.k)))
+    return out.report(kNonFiniteMatrix, status);
+  if (!size_solution(out, res, n, b.k)) return out.report(kNoMemory, status);
+  return out.report(tridiagonal_solve(dl.data(), d.data(), du.data(), n, b.data, b.k, res.data()), status);
+}
+
+// Property tests: 1 or 0 in the result, -1 on an error.
+template <class T> int32_t property_export(Handle m, int kind, int32_t* result, int32_t* status) {
+  clear(status);
+  *result = -1;
+  Mat<T> a(m);
+  int32_t code = square_checks(a);
+  if (!code && kind == 0) *result = is_symmetric(a.data(), a.rows());
+  if (!code && kind != 0) code = is_positive_definite(a.data(), a.rows(), kind == 2, result);
+  if (code < 0) *result = -1;
+  if (status) *status = code;
+  return 0;
+}
+
+// Two square outputs of one square matrix (Hessenberg, Schur).
+template <class T, class F> int32_t two_forms_export(Handle m, Handle f1, Handle f2, int32_t* status, F compute) {
+  clear(status);
+  Mat<T> a(m);
+  Out2<T> o1(f1), o2(f2);
+  Outputs out(o1, o2);
+  if (int32_t code = square_checks(a)) return out.report(code, status);
+  const int32_t n = a.rows();
+  if (!out.size(o1, n, n) || !out.size(o2, n, n)) return out.report(kNoMemory, status);
+  return out.report(compute(a.data(), n, o1.data(), o2.data()), status);
+}
+
+template <class T> int32_t char_poly_export(Handle m, Handle coef, int32_t* status) {
+  clear(status);
+  Mat<T> a(m);
+  Out<T> c(coef);
+  Outputs out(c);
+  if (int32_t code = square_checks(a)) return out.report(code, status);
+  if (!out.size(c, a.rows() + 1)) return out.report(kNoMemory, status);
+  return out.report(characteristic_polynomial(a.data(), a.rows(), c.data()), status);
+}
+
+}  // namespace
+
+JQ_EXPORT int32_t LULinEqs_head(JQMatF64 lu, JQArrI32 pivots, JQArrF64 b, JQArrF64 x, int32_t* status) {
+  return lu_solve_export<double>(lu, pivots, b, x, status);
+}
+JQ_EXPORT int32_t CxLULinEqs_head(JQMatC128 lu, JQArrI32 pivots, JQArrC128 b, JQArrC128 x, int32_t* status) {
+  return lu_solve_export<cdouble>(lu, pivots, b, x, status);
+}
+JQ_EXPORT int32_t LUInvMatrix_head(JQMatF64 lu, JQArrI32 pivots, JQMatF64 inverse, int32_t* status) {
+  return lu_inverse_export<double>(lu, pivots, inverse, status);
+}
+JQ_EXPORT int32_t CxLUInvMatrix_head(JQMatC128 lu, JQArrI32 pivots, JQMatC128 inverse, int32_t* status) {
+  return lu_inverse_export<cdouble>(lu, pivots, inverse, status);
+}
+JQ_EXPORT int32_t TriDiagEqsByLU_head(JQArrF64 sub, JQArrF64 diag, JQArrF64 super, JQArrF64 b, JQArrF64 x, int32_t* status) {
+  return tridiagonal_export<1>(sub, diag, super, b, x, status);
+}
+JQ_EXPORT int32_t TriDiagEqsSetByLU_head(JQArrF64 sub, JQArrF64 diag, JQArrF64 super, JQMatF64 b, JQMatF64 x, int32_t* status) {
+  return tridiagonal_export<2>(sub, diag, super, b, x, status);
+}
+JQ_EXPORT int32_t CheckSym_head(JQMatF64 a, int32_t* result, int32_t* status) { return property_export<double>(a, 0, result, status); }
+JQ_EXPORT int32_t CxCheckSym_head(JQMatC128 a, int32_t* result, int32_t* status) { return property_export<cdouble>(a, 0, result, status); }
+JQ_EXPORT int32_t CheckPosdef_head(JQMatF64 a, int32_t* result, int32_t* status) { return property_export<double>(a, 1, result, status); }
+JQ_EXPORT int32_t CxCheckPosdef_head(JQMatC128 a, int32_t* result, int32_t* status) {
+  return property_export<cdouble>(a, 1, result, status);
+}
+JQ_EXPORT int32_t CheckPosSemiDef_head(JQMatF64 a, int32_t* result, int32_t* status) {
+  return property_export<double>(a, 2, result, status);
+}
+JQ_EXPORT int32_t CxCheckPosSemiDef_head(JQMatC128 a, int32_t* result, int32_t* status) {
+  return property_export<cdouble>(a, 2, result, status);
+}
+JQ_EXPORT int32_t Hessenberg_head(JQMatF64 a, JQMatF64 h, JQMatF64 q, int32_t* status) {
+  return two_forms_export<double>(a, h, q, status, hessenberg<double>);
+}
+JQ_EXPORT int32_t CxHessenberg_head(JQMatC128 a, JQMatC128 h, JQMatC128 q, int32_t* status) {
+  return two_forms_export<cdouble>(a, h, q, status, hessenberg<cdouble>);
+}
+JQ_EXPORT int32_t Schur_head(JQMatF64 a, JQMatF64 s, JQMatF64 z, int32_t* status) {
+  return two_forms_export<double>(a, s, z, status, schur<double>);
+}
+JQ_EXPORT int32_t CxSchur_head(JQMatC128 a, JQMatC128 s, JQMatC128 z, int32_t* status) {
+  return two_forms_export<cdouble>(a, s, z, status, schur<cdouble>);
+}
+JQ_EXPORT int32_t MatrixCharacteristicPoly_head(JQMatF64 a, JQArrF64 coefficients, int32_t* status) {
+  return char_poly_export<double>(a, coefficients, status);
+}
+JQ_EXPORT int32_t CxMatrixCharacteristicPoly_head(JQMatC128 a, JQArrC128 coefficients, int32_t* status) {
+  return char_poly_export<cdouble>(a, coefficients, status);
 }

@@ -78,6 +78,17 @@ void sig_dgelqf(const I*, const I*, double*, const I*, double*, double*, const I
 void sig_zgelqf(const I*, const I*, cdouble*, const I*, cdouble*, cdouble*, const I*, I*);
 void sig_dorglq(const I*, const I*, const I*, double*, const I*, const double*, double*, const I*, I*);
 void sig_zunglq(const I*, const I*, const I*, cdouble*, const I*, const cdouble*, cdouble*, const I*, I*);
+void sig_dgttrf(const I*, double*, double*, double*, double*, I*, I*);
+void sig_dgttrs(const char*, const I*, const I*, const double*, const double*, const double*, const double*, const I*,
+                double*, const I*, I*);
+void sig_dgehrd(const I*, const I*, const I*, double*, const I*, double*, double*, const I*, I*);
+void sig_zgehrd(const I*, const I*, const I*, cdouble*, const I*, cdouble*, cdouble*, const I*, I*);
+void sig_dorghr(const I*, const I*, const I*, double*, const I*, const double*, double*, const I*, I*);
+void sig_zunghr(const I*, const I*, const I*, cdouble*, const I*, const cdouble*, cdouble*, const I*, I*);
+void sig_dgees(const char*, const char*, void*, const I*, double*, const I*, I*, double*, double*, double*, const I*,
+               double*, const I*, I*, I*);
+void sig_zgees(const char*, const char*, void*, const I*, cdouble*, const I*, I*, cdouble*, cdouble*, const I*,
+               cdouble*, const I*, double*, I*, I*);
 
 // Per-type names of the operations written once for real and complex data.
 template <class T> struct Blas;
@@ -130,6 +141,14 @@ template <> struct Blas<double> {
     JQ_CALL(dorglq, &m, &n, &k, a, &lda, tau, work, &lwork, info);
   }
   // Symmetric eigenproblem; rwork is unused for real data.
+  static void gehrd(I n, double* a, double* tau, double* work, I lwork, I* info) {
+    const I one = 1;
+    JQ_CALL(dgehrd, &n, &one, &n, a, &n, tau, work, &lwork, info);
+  }
+  static void orghr(I n, double* a, const double* tau, double* work, I lwork, I* info) {
+    const I one = 1;
+    JQ_CALL(dorghr, &n, &one, &n, a, &n, tau, work, &lwork, info);
+  }
   static void syevd(I n, double* a, double* w, double* work, I lwork, double*, I, I* iwork, I liwork, I* info) {
     JQ_CALL(dsyevd, "V", "L", &n, a, &n, w, work, &lwork, iwork, &liwork, info);
   }
@@ -190,6 +209,14 @@ template <> struct Blas<cdouble> {
   }
   static void orglq(I m, I n, I k, cdouble* a, I lda, const cdouble* tau, cdouble* work, I lwork, I* info) {
     JQ_CALL(zunglq, &m, &n, &k, a, &lda, tau, work, &lwork, info);
+  }
+  static void gehrd(I n, cdouble* a, cdouble* tau, cdouble* work, I lwork, I* info) {
+    const I one = 1;
+    JQ_CALL(zgehrd, &n, &one, &n, a, &n, tau, work, &lwork, info);
+  }
+  static void orghr(I n, cdouble* a, const cdouble* tau, cdouble* work, I lwork, I* info) {
+    const I one = 1;
+    JQ_CALL(zunghr, &n, &one, &n, a, &n, tau, work, &lwork, info);
   }
   static void syevd(I n, cdouble* a, double* w, cdouble* work, I lwork, double* rwork, I lrwork, I* iwork, I liwork,
                     I* info) {

@@ -1,0 +1,37 @@
+// Solvers and forms that reuse a factorization or exploit a structure:
+// solves and inverses from given LU factors, tridiagonal systems, property
+// tests, Hessenberg and Schur forms, the characteristic polynomial.
+// Row-major data, T double or cdouble; inputs already validated.
+#pragma once
+#include <cstdint>
+
+#include "linalg/frame.hpp"
+
+namespace jq::linalg {
+
+// x solving A x = b from A's LU factors (as lu() leaves them) and 0-based
+// pivots; kSingular for a zero on U's diagonal.
+template <class T> int32_t lu_solve(const T* lu, const int32_t* pivots, int32_t n, const T* b, T* x);
+// A's inverse from its LU factors and pivots.
+template <class T> int32_t lu_inverse(const T* lu, const int32_t* pivots, int32_t n, T* inv);
+
+// X (n x k) solving the tridiagonal system with sub-diagonal dl (n - 1),
+// diagonal d (n) and super-diagonal du (n - 1); kSingular for a zero pivot.
+int32_t tridiagonal_solve(const double* dl, const double* d, const double* du, int32_t n, const double* b, int32_t k,
+                          double* x);
+
+// Symmetric (Hermitian) within n * eps * max|a|.
+template <class T> bool is_symmetric(const T* a, int32_t n);
+// Symmetric and positive definite (semi-definite: the smallest eigenvalue
+// not below -n * eps * the largest magnitude).
+template <class T> int32_t is_positive_definite(const T* a, int32_t n, bool semi, int32_t* result);
+
+// A = Q H Q^H with H upper Hessenberg and Q unitary.
+template <class T> int32_t hessenberg(const T* a, int32_t n, T* h, T* q);
+// A = Z S Z^H: S quasi upper triangular (real data: 2 x 2 blocks for
+// complex pairs) or upper triangular (complex data), Z unitary.
+template <class T> int32_t schur(const T* a, int32_t n, T* s, T* z);
+// Coefficients c[0..n] of det(x I - A), constant first, leading 1.
+template <class T> int32_t characteristic_polynomial(const T* a, int32_t n, T* c);
+
+}  // namespace jq::linalg

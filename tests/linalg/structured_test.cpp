@@ -1,0 +1,130 @@
+// Forms with freedoms (Hessenberg, Schur) by their invariants; solves from
+// given factors and tridiagonal systems against the dense solver; property
+// tests and the characteristic polynomial on matrices whose answers are known.
+#include <cmath>
+
+#include "jqanlys.h"
+#include "support.hpp"
+
+namespace {
+
+using lt::cd;
+
+template <class T> double residual(const jqrt::Array2<T>& a, const jqrt::Array2<T>& q, const jqrt::Array2<T>& h) {
+  // |A - Q H Q^H| / |A| and |Q^H Q - I|.
+  const int n = a.rows();
+  double err = 0, scale = 0;
+  for (int i = 0; i < n; ++i)
+    for (int j = 0; j < n; ++j) {
+      T s = 0.0, o = 0.0;
+      for (int k = 0; k < n; ++k)
+        for (int l = 0; l < n; ++l) {
+          T qc = q.data()[j * n + l];
+          if constexpr (std::is_same_v<T, cd>) qc = std::conj(qc);
+          s += q.data()[i * n + k] * h.data()[k * n + l] * qc;
+        }
+      for (int k = 0; k < n; ++k) {
+        T qc = q.data()[k * n + i];
+        if constexpr (std::is_same_v<T, cd>) qc = std::conj(qc);
+        o += qc * q.data()[k * n + j];
+      }
+      err = std::max({err, std::abs(s - a.data()[i * n + j]), std::abs(o - T(i == j))});
+      scale = std::max(scale, std::abs(a.data()[i * n + j]));
+    }
+  return err / scale;
+}
+
+template <class T> void check_forms() {
+  lt::NoBufferLeft guard;
+  const int n = 6;
+  jqrt::Array2<T> a(n, n);
+  for (int i = 0; i < n * n; ++i) {
+    a.data()[i] = std::sin(1.7 * i + 0.3);
+    if constexpr (std::is_same_v<T, cd>) a.data()[i] += cd(0, std::cos(0.9 * i));
+  }
+  jqrt::Array2<T> h, q, s, z;
+  int32_t st;
+  std::is_same_v<T, cd> ? CxHessenberg_head(a.h(), h.h(), q.h(), &st) : Hessenberg_head(a.h(), h.h(), q.h(), &st);
+  EXPECT_EQ(st, 0);
+  EXPECT_LT(residual(a, q, h), 1e-13);
+  for (int i = 2; i < n; ++i)
+    for (int j = 0; j < i - 1; ++j) EXPECT_EQ(std::abs(h.data()[i * n + j]), 0.0);
+  std::is_same_v<T, cd> ? CxSchur_head(a.h(), s.h(), z.h(), &st) : Schur_head(a.h(), s.h(), z.h(), &st);
+  EXPECT_EQ(st, 0);
+  EXPECT_LT(residual(a, z, s), 1e-13);
+  // Below the first sub-diagonal S is zero (complex data: below the diagonal).
+  for (int i = 1; i < n; ++i)
+    for (int j = 0; j < i - (std::is_same_v<T, cd> ? 0 : 1); ++j) EXPECT_EQ(std::abs(s.data()[i * n + j]), 0.0);
+}
+
+TEST(Structured, HessenbergAndSchurInvariants) {
+  check_forms<double>();
+  check_forms<cd>();
+}
+
+TEST(Structured, SolvesFromFactorsMatchTheDenseSolver) {
+  auto a = jqrt::Array2<double>::rows({{2, 1, 0, 4}, {1, 5, 2, 0}, {0, 3, 1, 1}, {6, 0, 1, 2}});
+  jqrt::Array<double> b{1, -2, 3, 0.5}, x, x2;
+  int32_t st, parity;
+  EqsByLUDri_head(a.h(), b.h(), x.h(), &st);
+  auto f = jqrt::Array2<double>::rows({{2, 1, 0, 4}, {1, 5, 2, 0}, {0, 3, 1, 1}, {6, 0, 1, 2}});
+  jqrt::Array<int32_t> p;
+  LU_head(f.h(), p.h(), &parity, &st);
+  LULinEqs_head(f.h(), p.h(), b.h(), x2.h(), &st);
+  EXPECT_EQ(st, 0);
+  for (int i = 0; i < 4; ++i) EXPECT_NEAR(x2.data()[i], x.data()[i], 1e-14);
+  jqrt::Array2<double> inv, inv2;
+  InvMatrixLUDri_head(a.h(), inv.h(), &st);
+  LUInvMatrix_head(f.h(), p.h(), inv2.h(), &st);
+  EXPECT_EQ(st, 0);
+  for (int i = 0; i < 16; ++i) EXPECT_NEAR(inv2.data()[i], inv.data()[i], 1e-14);
+  // A tridiagonal system as a dense one.
+  jqrt::Array<double> dl{1, 2, 3}, d{4, 5, 6, 7}, du{-1, 0.5, 2};
+  auto t = jqrt::Array2<double>::rows({{4, -1, 0, 0}, {1, 5, 0.5, 0}, {0, 2, 6, 2}, {0, 0, 3, 7}});
+  TriDiagEqsByLU_head(dl.h(), d.h(), du.h(), b.h(), x2.h(), &st);
+  EXPECT_EQ(st, 0);
+  EqsByLUDri_head(t.h(), b.h(), x.h(), &st);
+  for (int i = 0; i < 4; ++i) EXPECT_NEAR(x2.data()[i], x.data()[i], 1e-14);
+  jqrt::Array<double> shortdl{1, 2};
+  TriDiagEqsByLU_head(shortdl.h(), d.h(), du.h(), b.h(), x2.h(), &st);
+  EXPECT_EQ(st, -20002);
+  EXPECT_EQ(x2.rows(), 0);
+}
+
+TEST(Structured, PropertiesAndPolynomial) {
+  struct Case {
+    std::vector<std::vector<double>> m;
+    int sym, pd, psd;
+  } cases[] = {
+      {{{2, 1}, {1, 2}}, 1, 1, 1},
+      {{{1, 1}, {1, 1}}, 1, 0, 1},
+      {{{1, 2}, {2, 1}}, 1, 0, 0},
+      {{{1, 2}, {0, 1}}, 0, 0, 0},
+  };
+  for (const Case& c : cases) {
+    auto a = jqrt::Array2<double>::rows(c.m);
+    int32_t r, st;
+    CheckSym_head(a.h(), &r, &st);
+    EXPECT_EQ(r, c.sym);
+    CheckPosdef_head(a.h(), &r, &st);
+    EXPECT_EQ(r, c.pd);
+    CheckPosSemiDef_head(a.h(), &r, &st);
+    EXPECT_EQ(r, c.psd);
+  }
+  // diag(1, 2, 3): (x - 1)(x - 2)(x - 3) = -6 + 11x - 6x^2 + x^3.
+  auto d = jqrt::Array2<double>::rows({{1, 0, 0}, {0, 2, 0}, {0, 0, 3}});
+  jqrt::Array<double> c;
+  int32_t st;
+  MatrixCharacteristicPoly_head(d.h(), c.h(), &st);
+  ASSERT_EQ(c.rows(), 4);
+  const double want[] = {-6, 11, -6, 1};
+  for (int i = 0; i < 4; ++i) EXPECT_NEAR(c.data()[i], want[i], 1e-13);
+  // A rotation: x^2 + 1, from a complex pair.
+  auto rot = jqrt::Array2<double>::rows({{0, -1}, {1, 0}});
+  MatrixCharacteristicPoly_head(rot.h(), c.h(), &st);
+  ASSERT_EQ(c.rows(), 3);
+  EXPECT_NEAR(c.data()[0], 1, 1e-15);
+  EXPECT_NEAR(c.data()[1], 0, 1e-15);
+}
+
+}  // namespace
