@@ -203,6 +203,17 @@ JQ_API int32_t CxSchur_head(JQ_IN JQMatC128 a, JQ_OUT JQMatC128 s, JQ_OUT JQMatC
 JQ_API int32_t MatrixCharacteristicPoly_head(JQ_IN JQMatF64 a, JQ_OUT JQArrF64 coefficients, JQ_OUT int32_t* status);
 JQ_API int32_t CxMatrixCharacteristicPoly_head(JQ_IN JQMatC128 a, JQ_OUT JQArrC128 coefficients, JQ_OUT int32_t* status);
 
+/* Matrix functions of a square matrix: the exponential (scaling and
+ * squaring with a degree-13 Pade approximant), an integer power (negative:
+ * of the inverse, -20041 when there is none), the principal square root
+ * (complex, through the complex Schur form). */
+JQ_API int32_t MatrixExp_head(JQ_IN JQMatF64 a, JQ_OUT JQMatF64 e, JQ_OUT int32_t* status);
+JQ_API int32_t CxMatrixExp_head(JQ_IN JQMatC128 a, JQ_OUT JQMatC128 e, JQ_OUT int32_t* status);
+JQ_API int32_t MatrixPower_head(JQ_IN JQMatF64 a, int32_t p, JQ_OUT JQMatF64 r, JQ_OUT int32_t* status);
+JQ_API int32_t CxMatrixPower_head(JQ_IN JQMatC128 a, int32_t p, JQ_OUT JQMatC128 r, JQ_OUT int32_t* status);
+JQ_API int32_t MatrixSqrt_head(JQ_IN JQMatF64 a, JQ_OUT JQMatC128 x, JQ_OUT int32_t* status);
+JQ_API int32_t CxMatrixSqrt_head(JQ_IN JQMatC128 a, JQ_OUT JQMatC128 x, JQ_OUT int32_t* status);
+
 #ifdef __cplusplus
 }
 #endif

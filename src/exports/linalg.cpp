@@ -9,6 +9,7 @@
 #include "linalg/basic.hpp"
 #include "linalg/decompose.hpp"
 #include "linalg/dense.hpp"
+#include "linalg/functions.hpp"
 #include "linalg/structured.hpp"
 #include "linalg/svd.hpp"
 
@@ -785,3 +786,34 @@ JQ_EXPORT int32_t MatrixCharacteristicPoly_head(JQMatF64 a, JQArrF64 coefficient
 JQ_EXPORT int32_t CxMatrixCharacteristicPoly_head(JQMatC128 a, JQArrC128 coefficients, int32_t* status) {
   return char_poly_export<cdouble>(a, coefficients, status);
 }
+
+// ---- matrix functions ----------------------------------------------------------------------
+
+namespace {
+
+template <class T> int32_t sqrt_export(Handle m, Handle x, int32_t* status) {
+  clear(status);
+  Mat<T> a(m);
+  Out2<cdouble> res(x);
+  Outputs out(res);
+  if (int32_t code = square_checks(a)) return out.report(code, status);
+  if (!out.size(res, a.rows(), a.rows())) return out.report(kNoMemory, status);
+  return out.report(matrix_sqrt(a.data(), a.rows(), res.data()), status);
+}
+
+}  // namespace
+
+JQ_EXPORT int32_t MatrixExp_head(JQMatF64 a, JQMatF64 e, int32_t* status) {
+  return square_to_square<double>(a, e, status, matrix_exp<double>);
+}
+JQ_EXPORT int32_t CxMatrixExp_head(JQMatC128 a, JQMatC128 e, int32_t* status) {
+  return square_to_square<cdouble>(a, e, status, matrix_exp<cdouble>);
+}
+JQ_EXPORT int32_t MatrixPower_head(JQMatF64 a, int32_t p, JQMatF64 r, int32_t* status) {
+  return square_to_square<double>(a, r, status, [p](const double* x, int32_t n, double* y) { return matrix_power(x, n, p, y); });
+}
+JQ_EXPORT int32_t CxMatrixPower_head(JQMatC128 a, int32_t p, JQMatC128 r, int32_t* status) {
+  return square_to_square<cdouble>(a, r, status, [p](const cdouble* x, int32_t n, cdouble* y) { return matrix_power(x, n, p, y); });
+}
+JQ_EXPORT int32_t MatrixSqrt_head(JQMatF64 a, JQMatC128 x, int32_t* status) { return sqrt_export<double>(a, x, status); }
+JQ_EXPORT int32_t CxMatrixSqrt_head(JQMatC128 a, JQMatC128 x, int32_t* status) { return sqrt_export<cdouble>(a, x, status); }

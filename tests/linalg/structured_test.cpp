@@ -128,3 +128,44 @@ TEST(Structured, PropertiesAndPolynomial) {
 }
 
 }  // namespace
+
+namespace {
+#include "oracle.inc"
+
+template <class T> void check_functions(const FuncCase& c) {
+  SCOPED_TRACE(c.name);
+  constexpr bool cx = std::is_same_v<T, cd>;
+  lt::NoBufferLeft guard;
+  const int n = c.n;
+  auto a = lt::matrix<T>(c.a, n, n);
+  jqrt::Array2<T> r;
+  int32_t st;
+  cx ? CxMatrixExp_head(a.h(), r.h(), &st) : MatrixExp_head(a.h(), r.h(), &st);
+  EXPECT_EQ(st, 0);
+  EXPECT_LT(lt::rel_error(r.data(), c.exp, n * n), 1e-12);
+  for (int p : {5, -3}) {
+    cx ? CxMatrixPower_head(a.h(), p, r.h(), &st) : MatrixPower_head(a.h(), p, r.h(), &st);
+    EXPECT_EQ(st, 0);
+    EXPECT_LT(lt::rel_error(r.data(), p > 0 ? c.p5 : c.pm3, n * n), 1e-11) << p;
+  }
+  auto spd = lt::matrix<T>(c.spd, n, n);
+  jqrt::Array2<cd> x;
+  cx ? CxMatrixSqrt_head(spd.h(), x.h(), &st) : MatrixSqrt_head(spd.h(), x.h(), &st);
+  EXPECT_EQ(st, 0);
+  EXPECT_LT(lt::rel_error(x.data(), c.sqrt, n * n), 1e-12);
+}
+
+TEST(Structured, MatrixFunctionsAgreeWithScipy) {
+  for (const FuncCase& c : kFunc) c.cx ? check_functions<cd>(c) : check_functions<double>(c);
+  // A^0 = I whatever A is; the inverse of a singular matrix does not exist.
+  auto s = jqrt::Array2<double>::rows({{1, 2}, {2, 4}});
+  jqrt::Array2<double> r;
+  int32_t st;
+  MatrixPower_head(s.h(), 0, r.h(), &st);
+  EXPECT_EQ(r.values(), (std::vector<double>{1, 0, 0, 1}));
+  MatrixPower_head(s.h(), -1, r.h(), &st);
+  EXPECT_EQ(st, -20041);
+  EXPECT_EQ(r.rows(), 0);
+}
+
+}  // namespace
