@@ -214,6 +214,33 @@ JQ_API int32_t CxMatrixPower_head(JQ_IN JQMatC128 a, int32_t p, JQ_OUT JQMatC128
 JQ_API int32_t MatrixSqrt_head(JQ_IN JQMatF64 a, JQ_OUT JQMatC128 x, JQ_OUT int32_t* status);
 JQ_API int32_t CxMatrixSqrt_head(JQ_IN JQMatC128 a, JQ_OUT JQMatC128 x, JQ_OUT int32_t* status);
 
+/* Packed storage: the lower triangle of an n x n matrix, row after row, in
+ * n (n + 1) / 2 elements (a length that is not such a number: -20002).
+ * Unpacking gives the full symmetric (Hermitian) matrix. The H forms return
+ * their status. Cholesky_head packs the lower factor L (A = L L^H), which
+ * CholeskyLinEqs_head and Cholesky_InvMatrix_head take; the triangular
+ * solvers and Tri_InvMatrix_head take a packed lower triangular matrix. */
+JQ_API int32_t Matrix_to_Compact_head(JQ_IN JQMatF64 a, JQ_OUT JQArrF64 packed, JQ_OUT int32_t* status);
+JQ_API int32_t CxMatrix_to_Compact_head(JQ_IN JQMatC128 a, JQ_OUT JQArrC128 packed, JQ_OUT int32_t* status);
+JQ_API int32_t Compact_to_Matrix_head(JQ_IN JQArrF64 packed, JQ_OUT JQMatF64 a, JQ_OUT int32_t* status);
+JQ_API int32_t CxCompact_to_Matrix_head(JQ_IN JQArrC128 packed, JQ_OUT JQMatC128 a, JQ_OUT int32_t* status);
+JQ_API int32_t MatrixToCompact_H(JQ_IN JQMatF64 a, JQ_OUT JQArrF64 packed);
+JQ_API int32_t CxMatrixToCompact_H(JQ_IN JQMatC128 a, JQ_OUT JQArrC128 packed);
+JQ_API int32_t CompactToMatrix_H(JQ_IN JQArrF64 packed, JQ_OUT JQMatF64 a);
+JQ_API int32_t CxCompactToMatrix_H(JQ_IN JQArrC128 packed, JQ_OUT JQMatC128 a);
+JQ_API int32_t Cholesky_head(JQ_IN JQMatF64 a, JQ_OUT JQArrF64 factor, JQ_OUT int32_t* status);
+JQ_API int32_t CxCholesky_head(JQ_IN JQMatC128 a, JQ_OUT JQArrC128 factor, JQ_OUT int32_t* status);
+JQ_API int32_t CholeskyLinEqs_head(JQ_IN JQArrF64 factor, JQ_IN JQArrF64 b, JQ_OUT JQArrF64 x, JQ_OUT int32_t* status);
+JQ_API int32_t CxCholeskyLinEqs_head(JQ_IN JQArrC128 factor, JQ_IN JQArrC128 b, JQ_OUT JQArrC128 x, JQ_OUT int32_t* status);
+JQ_API int32_t Cholesky_InvMatrix_head(JQ_IN JQArrF64 factor, JQ_OUT JQMatF64 inverse, JQ_OUT int32_t* status);
+JQ_API int32_t CxCholesky_InvMatrix_head(JQ_IN JQArrC128 factor, JQ_OUT JQMatC128 inverse, JQ_OUT int32_t* status);
+JQ_API int32_t TriLinEqs_head(JQ_IN JQArrF64 l, JQ_IN JQArrF64 b, JQ_OUT JQArrF64 x, JQ_OUT int32_t* status);
+JQ_API int32_t CxTriLinEqs_head(JQ_IN JQArrC128 l, JQ_IN JQArrC128 b, JQ_OUT JQArrC128 x, JQ_OUT int32_t* status);
+JQ_API int32_t TriEqsSetDri_head(JQ_IN JQArrF64 l, JQ_IN JQMatF64 b, JQ_OUT JQMatF64 x, JQ_OUT int32_t* status);
+JQ_API int32_t CxTriEqsSetDri_head(JQ_IN JQArrC128 l, JQ_IN JQMatC128 b, JQ_OUT JQMatC128 x, JQ_OUT int32_t* status);
+JQ_API int32_t Tri_InvMatrix_head(JQ_IN JQArrF64 l, JQ_OUT JQArrF64 inverse, JQ_OUT int32_t* status);
+JQ_API int32_t CxTri_InvMatrix_head(JQ_IN JQArrC128 l, JQ_OUT JQArrC128 inverse, JQ_OUT int32_t* status);
+
 #ifdef __cplusplus
 }
 #endif

@@ -10,6 +10,7 @@
 #include "linalg/decompose.hpp"
 #include "linalg/dense.hpp"
 #include "linalg/functions.hpp"
+#include "linalg/packed.hpp"
 #include "linalg/structured.hpp"
 #include "linalg/svd.hpp"
 
@@ -817,3 +818,136 @@ JQ_EXPORT int32_t CxMatrixPower_head(JQMatC128 a, int32_t p, JQMatC128 r, int32_
 }
 JQ_EXPORT int32_t MatrixSqrt_head(JQMatF64 a, JQMatC128 x, int32_t* status) { return sqrt_export<double>(a, x, status); }
 JQ_EXPORT int32_t CxMatrixSqrt_head(JQMatC128 a, JQMatC128 x, int32_t* status) { return sqrt_export<cdouble>(a, x, status); }
+
+// ---- packed storage ------------------------------------------------------------------------
+
+namespace {
+
+// A packed triangle (1-D) and its order; -20002 when the length is not a
+// triangular number.
+template <class T> struct Packed {
+  Array1<const T> v;
+  int32_t n;
+  explicit Packed(Handle h) : v(h), n(packed_order(v.size())) {}
+  int32_t check() const { return v.empty() ? kEmptyInput : n < 0 ? kLengthMismatch : has_non_finite(v.data(), v.size()) ? kNonFiniteMatrix : kOk; }
+};
+
+template <class T> int32_t to_packed_export(Handle m, Handle p, int32_t* status, bool factor) {
+  clear(status);
+  Mat<T> a(m);
+  Out<T> res(p);
+  Outputs out(res);
+  if (int32_t code = square_checks(a)) return out.report(code, status);
+  const int32_t n = a.rows();
+  if (int64_t{n} * (n + 1) / 2 > INT32_MAX) return out.report(kNoMemory, status);
+  if (!out.size(res, n * (n + 1) / 2)) return out.report(kNoMemory, status);
+  if (!factor) {
+    pack_lower(a.data(), n, res.data());
+    return out.report(kOk, status);
+  }
+  return out.report(cholesky_packed(a.data(), n, res.data()), status);
+}
+
+// A packed triangle in, a full matrix (unpack, inverse) or a packed one out.
+template <class T, class F> int32_t from_packed_export(Handle p, Handle r, bool packed_out, int32_t* status, F compute) {
+  clear(status);
+  Packed<T> f(p);
+  Out<T> vec(r);
+  Out2<T> mat(r);
+  Outputs out1(vec), out2(mat);
+  Outputs& out = packed_out ? out1 : out2;
+  if (int32_t code = f.check()) return out.report(code, status);
+  const bool sized = packed_out ? out.size(vec, f.v.size()) : out.size(mat, f.n, f.n);
+  if (!sized) return out.report(kNoMemory, status);
+  return out.report(compute(f.v.data(), f.n, packed_out ? vec.data() : mat.data()), status);
+}
+
+template <class T, int Dims, class F> int32_t packed_solve_export(Handle p, Handle rhs, Handle x, int32_t* status, F compute) {
+  clear(status);
+  Packed<T> f(p);
+  Rhs<T, Dims> b(rhs);
+  Out<T, Dims> res(x);
+  Outputs out(res);
+  if (f.v.empty() || b.rows < 1 || b.k < 1) return out.report(kEmptyInput, status);
+  if (f.n < 0 || b.rows != f.n) return out.report(Dims == 1 || f.n < 0 ? kLengthMismatch : kIncompatibleDims, status);
+  if (int32_t code = f.check()) return out.report(code, status);
+  if (has_non_finite(b.data, count(b.rows, b.k))) return out.report(kNonFiniteMatrix, status);
+  if (!size_solution(out, res, f.n, b.k)) return out.report(kNoMemory, status);
+  return out.report(compute(f.v.data(), f.n, b.data, b.k, res.data()), status);
+}
+
+template <class T> int32_t unpack(const T* p, int32_t n, T* a) {
+  unpack_hermitian(p, n, a);
+  return kOk;
+}
+
+}  // namespace
+
+JQ_EXPORT int32_t Matrix_to_Compact_head(JQMatF64 a, JQArrF64 packed, int32_t* status) {
+  return to_packed_export<double>(a, packed, status, false);
+}
+JQ_EXPORT int32_t CxMatrix_to_Compact_head(JQMatC128 a, JQArrC128 packed, int32_t* status) {
+  return to_packed_export<cdouble>(a, packed, status, false);
+}
+JQ_EXPORT int32_t Compact_to_Matrix_head(JQArrF64 packed, JQMatF64 a, int32_t* status) {
+  return from_packed_export<double>(packed, a, false, status, unpack<double>);
+}
+JQ_EXPORT int32_t CxCompact_to_Matrix_head(JQArrC128 packed, JQMatC128 a, int32_t* status) {
+  return from_packed_export<cdouble>(packed, a, false, status, unpack<cdouble>);
+}
+JQ_EXPORT int32_t MatrixToCompact_H(JQMatF64 a, JQArrF64 packed) {
+  int32_t status;
+  to_packed_export<double>(a, packed, &status, false);
+  return status;
+}
+JQ_EXPORT int32_t CxMatrixToCompact_H(JQMatC128 a, JQArrC128 packed) {
+  int32_t status;
+  to_packed_export<cdouble>(a, packed, &status, false);
+  return status;
+}
+JQ_EXPORT int32_t CompactToMatrix_H(JQArrF64 packed, JQMatF64 a) {
+  int32_t status;
+  from_packed_export<double>(packed, a, false, &status, unpack<double>);
+  return status;
+}
+JQ_EXPORT int32_t CxCompactToMatrix_H(JQArrC128 packed, JQMatC128 a) {
+  int32_t status;
+  from_packed_export<cdouble>(packed, a, false, &status, unpack<cdouble>);
+  return status;
+}
+JQ_EXPORT int32_t Cholesky_head(JQMatF64 a, JQArrF64 factor, int32_t* status) {
+  return to_packed_export<double>(a, factor, status, true);
+}
+JQ_EXPORT int32_t CxCholesky_head(JQMatC128 a, JQArrC128 factor, int32_t* status) {
+  return to_packed_export<cdouble>(a, factor, status, true);
+}
+JQ_EXPORT int32_t CholeskyLinEqs_head(JQArrF64 factor, JQArrF64 b, JQArrF64 x, int32_t* status) {
+  return packed_solve_export<double, 1>(factor, b, x, status, cholesky_packed_solve<double>);
+}
+JQ_EXPORT int32_t CxCholeskyLinEqs_head(JQArrC128 factor, JQArrC128 b, JQArrC128 x, int32_t* status) {
+  return packed_solve_export<cdouble, 1>(factor, b, x, status, cholesky_packed_solve<cdouble>);
+}
+JQ_EXPORT int32_t Cholesky_InvMatrix_head(JQArrF64 factor, JQMatF64 inverse, int32_t* status) {
+  return from_packed_export<double>(factor, inverse, false, status, cholesky_packed_inverse<double>);
+}
+JQ_EXPORT int32_t CxCholesky_InvMatrix_head(JQArrC128 factor, JQMatC128 inverse, int32_t* status) {
+  return from_packed_export<cdouble>(factor, inverse, false, status, cholesky_packed_inverse<cdouble>);
+}
+JQ_EXPORT int32_t TriLinEqs_head(JQArrF64 l, JQArrF64 b, JQArrF64 x, int32_t* status) {
+  return packed_solve_export<double, 1>(l, b, x, status, triangular_packed_solve<double>);
+}
+JQ_EXPORT int32_t CxTriLinEqs_head(JQArrC128 l, JQArrC128 b, JQArrC128 x, int32_t* status) {
+  return packed_solve_export<cdouble, 1>(l, b, x, status, triangular_packed_solve<cdouble>);
+}
+JQ_EXPORT int32_t TriEqsSetDri_head(JQArrF64 l, JQMatF64 b, JQMatF64 x, int32_t* status) {
+  return packed_solve_export<double, 2>(l, b, x, status, triangular_packed_solve<double>);
+}
+JQ_EXPORT int32_t CxTriEqsSetDri_head(JQArrC128 l, JQMatC128 b, JQMatC128 x, int32_t* status) {
+  return packed_solve_export<cdouble, 2>(l, b, x, status, triangular_packed_solve<cdouble>);
+}
+JQ_EXPORT int32_t Tri_InvMatrix_head(JQArrF64 l, JQArrF64 inverse, int32_t* status) {
+  return from_packed_export<double>(l, inverse, true, status, triangular_packed_inverse<double>);
+}
+JQ_EXPORT int32_t CxTri_InvMatrix_head(JQArrC128 l, JQArrC128 inverse, int32_t* status) {
+  return from_packed_export<cdouble>(l, inverse, true, status, triangular_packed_inverse<cdouble>);
+}

@@ -89,6 +89,16 @@ void sig_dgees(const char*, const char*, void*, const I*, double*, const I*, I*,
                double*, const I*, I*, I*);
 void sig_zgees(const char*, const char*, void*, const I*, cdouble*, const I*, I*, cdouble*, cdouble*, const I*,
                cdouble*, const I*, double*, I*, I*);
+void sig_dpptrf(const char*, const I*, double*, I*);
+void sig_zpptrf(const char*, const I*, cdouble*, I*);
+void sig_dpptrs(const char*, const I*, const I*, const double*, double*, const I*, I*);
+void sig_zpptrs(const char*, const I*, const I*, const cdouble*, cdouble*, const I*, I*);
+void sig_dpptri(const char*, const I*, double*, I*);
+void sig_zpptri(const char*, const I*, cdouble*, I*);
+void sig_dtptrs(const char*, const char*, const char*, const I*, const I*, const double*, double*, const I*, I*);
+void sig_ztptrs(const char*, const char*, const char*, const I*, const I*, const cdouble*, cdouble*, const I*, I*);
+void sig_dtptri(const char*, const char*, const I*, double*, I*);
+void sig_ztptri(const char*, const char*, const I*, cdouble*, I*);
 
 // Per-type names of the operations written once for real and complex data.
 template <class T> struct Blas;
@@ -141,6 +151,13 @@ template <> struct Blas<double> {
     JQ_CALL(dorglq, &m, &n, &k, a, &lda, tau, work, &lwork, info);
   }
   // Symmetric eigenproblem; rwork is unused for real data.
+  static void pptrf(I n, double* ap, I* info) { JQ_CALL(dpptrf, "U", &n, ap, info); }
+  static void pptrs(I n, I k, const double* ap, double* b, I* info) { JQ_CALL(dpptrs, "U", &n, &k, ap, b, &n, info); }
+  static void pptri(I n, double* ap, I* info) { JQ_CALL(dpptri, "U", &n, ap, info); }
+  static void tptrs(I n, I k, const double* ap, double* b, I* info) {
+    JQ_CALL(dtptrs, "U", "T", "N", &n, &k, ap, b, &n, info);
+  }
+  static void tptri(I n, double* ap, I* info) { JQ_CALL(dtptri, "U", "N", &n, ap, info); }
   static void gehrd(I n, double* a, double* tau, double* work, I lwork, I* info) {
     const I one = 1;
     JQ_CALL(dgehrd, &n, &one, &n, a, &n, tau, work, &lwork, info);
@@ -210,6 +227,13 @@ template <> struct Blas<cdouble> {
   static void orglq(I m, I n, I k, cdouble* a, I lda, const cdouble* tau, cdouble* work, I lwork, I* info) {
     JQ_CALL(zunglq, &m, &n, &k, a, &lda, tau, work, &lwork, info);
   }
+  static void pptrf(I n, cdouble* ap, I* info) { JQ_CALL(zpptrf, "U", &n, ap, info); }
+  static void pptrs(I n, I k, const cdouble* ap, cdouble* b, I* info) { JQ_CALL(zpptrs, "U", &n, &k, ap, b, &n, info); }
+  static void pptri(I n, cdouble* ap, I* info) { JQ_CALL(zpptri, "U", &n, ap, info); }
+  static void tptrs(I n, I k, const cdouble* ap, cdouble* b, I* info) {
+    JQ_CALL(ztptrs, "U", "T", "N", &n, &k, ap, b, &n, info);
+  }
+  static void tptri(I n, cdouble* ap, I* info) { JQ_CALL(ztptri, "U", "N", &n, ap, info); }
   static void gehrd(I n, cdouble* a, cdouble* tau, cdouble* work, I lwork, I* info) {
     const I one = 1;
     JQ_CALL(zgehrd, &n, &one, &n, a, &n, tau, work, &lwork, info);

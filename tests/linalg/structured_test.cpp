@@ -9,6 +9,7 @@
 namespace {
 
 using lt::cd;
+using lt::mul;
 
 template <class T> double residual(const jqrt::Array2<T>& a, const jqrt::Array2<T>& q, const jqrt::Array2<T>& h) {
   // |A - Q H Q^H| / |A| and |Q^H Q - I|.
@@ -166,6 +167,74 @@ TEST(Structured, MatrixFunctionsAgreeWithScipy) {
   MatrixPower_head(s.h(), -1, r.h(), &st);
   EXPECT_EQ(st, -20041);
   EXPECT_EQ(r.rows(), 0);
+}
+
+}  // namespace
+
+namespace {
+
+// The packed members agree with their full-storage counterparts.
+template <class T> void check_packed(const SymCase& c) {
+  SCOPED_TRACE(c.name);
+  constexpr bool cx = std::is_same_v<T, cd>;
+  lt::NoBufferLeft guard;
+  const int n = c.n, len = n * (n + 1) / 2;
+  auto a = lt::matrix<T>(c.a, n, n);
+  int32_t st;
+  jqrt::Array<T> p, f, x1, x2, ti;
+  jqrt::Array2<T> full, l, inv1, inv2, li;
+  if constexpr (cx) {
+    CxMatrix_to_Compact_head(a.h(), p.h(), &st);
+    CxCompact_to_Matrix_head(p.h(), full.h(), &st);
+  } else {
+    Matrix_to_Compact_head(a.h(), p.h(), &st);
+    Compact_to_Matrix_head(p.h(), full.h(), &st);
+  }
+  ASSERT_EQ(p.rows(), len);
+  EXPECT_LT(lt::rel_error(full.data(), c.a, n * n), 1e-15);
+  cx ? CxCholesky_head(a.h(), f.h(), &st) : Cholesky_head(a.h(), f.h(), &st);
+  EXPECT_EQ(st, 0);
+  cx ? CxFullCholesky_head(a.h(), l.h(), &st) : FullCholesky_head(a.h(), l.h(), &st);
+  for (int i = 0, k = 0; i < n; ++i)
+    for (int j = 0; j <= i; ++j, ++k) EXPECT_NEAR(std::abs(f.data()[k] - l.data()[i * n + j]), 0, 1e-13);
+  jqrt::Array<T> b(n);
+  for (int i = 0; i < n; ++i) b.data()[i] = T(std::cos(i + 0.5));
+  if constexpr (cx) {
+    CxCholeskyLinEqs_head(f.h(), b.h(), x1.h(), &st);
+    CxEqsByCholeskyDri_head(a.h(), b.h(), x2.h(), &st);
+    CxCholesky_InvMatrix_head(f.h(), inv1.h(), &st);
+  } else {
+    CholeskyLinEqs_head(f.h(), b.h(), x1.h(), &st);
+    EqsByCholeskyDri_head(a.h(), b.h(), x2.h(), &st);
+    Cholesky_InvMatrix_head(f.h(), inv1.h(), &st);
+  }
+  EXPECT_EQ(st, 0);
+  ASSERT_EQ(x1.rows(), n);
+  for (int i = 0; i < n; ++i) EXPECT_NEAR(std::abs(x1.data()[i] - x2.data()[i]), 0, 1e-12);
+  EXPECT_LT(lt::rel_error(inv1.data(), c.inv, n * n), 1e-12);
+  // L x = b and L's packed inverse, against the full triangular inverse.
+  cx ? CxTriLinEqs_head(f.h(), b.h(), x1.h(), &st) : TriLinEqs_head(f.h(), b.h(), x1.h(), &st);
+  EXPECT_EQ(st, 0);
+  auto lx = mul(l.data(), x1.data(), n, n, 1);
+  for (int i = 0; i < n; ++i) EXPECT_NEAR(std::abs(lx[i] - b.data()[i]), 0, 1e-12);
+  cx ? CxTri_InvMatrix_head(f.h(), ti.h(), &st) : Tri_InvMatrix_head(f.h(), ti.h(), &st);
+  cx ? CxInvMatrixTriDri_head(l.h(), 0, li.h(), &st) : InvMatrixTriDri_head(l.h(), 0, li.h(), &st);
+  for (int i = 0, k = 0; i < n; ++i)
+    for (int j = 0; j <= i; ++j, ++k) EXPECT_NEAR(std::abs(ti.data()[k] - li.data()[i * n + j]), 0, 1e-12);
+}
+
+TEST(Structured, PackedMembersMatchFullStorage) {
+  for (const SymCase& c : kSym) c.cx ? check_packed<cd>(c) : check_packed<double>(c);
+  jqrt::Array<double> bad{1, 2, 3, 4}, b{1, 2}, x;
+  int32_t st;
+  CholeskyLinEqs_head(bad.h(), b.h(), x.h(), &st);
+  EXPECT_EQ(st, -20002);
+  jqrt::Array<double> notpd{1, 2, 1};  // [[1, 2], [2, 1]]
+  jqrt::Array2<double> full;
+  Compact_to_Matrix_head(notpd.h(), full.h(), &st);
+  Cholesky_head(full.h(), x.h(), &st);
+  EXPECT_EQ(st, -20071);
+  EXPECT_EQ(x.rows(), 0);
 }
 
 }  // namespace
