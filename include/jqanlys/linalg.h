@@ -241,6 +241,21 @@ JQ_API int32_t CxTriEqsSetDri_head(JQ_IN JQArrC128 l, JQ_IN JQMatC128 b, JQ_OUT 
 JQ_API int32_t Tri_InvMatrix_head(JQ_IN JQArrF64 l, JQ_OUT JQArrF64 inverse, JQ_OUT int32_t* status);
 JQ_API int32_t CxTri_InvMatrix_head(JQ_IN JQArrC128 l, JQ_OUT JQArrC128 inverse, JQ_OUT int32_t* status);
 
+/* Sylvester A X + X B = C (A m x m, B n x n, C m x n) and Lyapunov
+ * A X + X A^H = C equations, by the Schur forms; A and -B sharing an
+ * eigenvalue: -20041. */
+JQ_API int32_t Sylvester_head(JQ_IN JQMatF64 a, JQ_IN JQMatF64 b, JQ_IN JQMatF64 c, JQ_OUT JQMatF64 x, JQ_OUT int32_t* status);
+JQ_API int32_t CxSylvester_head(JQ_IN JQMatC128 a, JQ_IN JQMatC128 b, JQ_IN JQMatC128 c, JQ_OUT JQMatC128 x, JQ_OUT int32_t* status);
+JQ_API int32_t Lyapunov_head(JQ_IN JQMatF64 a, JQ_IN JQMatF64 c, JQ_OUT JQMatF64 x, JQ_OUT int32_t* status);
+JQ_API int32_t CxLyapunov_head(JQ_IN JQMatC128 a, JQ_IN JQMatC128 c, JQ_OUT JQMatC128 x, JQ_OUT int32_t* status);
+
+/* Banded systems: the full square A, of which kl sub-diagonals and ku
+ * super-diagonals are used (negative: -20004). */
+JQ_API int32_t BandEqsDriH(JQ_IN JQMatF64 a, int32_t kl, int32_t ku, JQ_IN JQArrF64 b, JQ_OUT JQArrF64 x, JQ_OUT int32_t* status);
+JQ_API int32_t CxBandEqsDriH(JQ_IN JQMatC128 a, int32_t kl, int32_t ku, JQ_IN JQArrC128 b, JQ_OUT JQArrC128 x, JQ_OUT int32_t* status);
+JQ_API int32_t BandEqsSetDriH(JQ_IN JQMatF64 a, int32_t kl, int32_t ku, JQ_IN JQMatF64 b, JQ_OUT JQMatF64 x, JQ_OUT int32_t* status);
+JQ_API int32_t CxBandEqsSetDriH(JQ_IN JQMatC128 a, int32_t kl, int32_t ku, JQ_IN JQMatC128 b, JQ_OUT JQMatC128 x, JQ_OUT int32_t* status);
+
 #ifdef __cplusplus
 }
 #endif

@@ -951,3 +951,61 @@ JQ_EXPORT int32_t Tri_InvMatrix_head(JQArrF64 l, JQArrF64 inverse, int32_t* stat
 JQ_EXPORT int32_t CxTri_InvMatrix_head(JQArrC128 l, JQArrC128 inverse, int32_t* status) {
   return from_packed_export<cdouble>(l, inverse, true, status, triangular_packed_inverse<cdouble>);
 }
+
+// ---- Sylvester and Lyapunov equations, banded systems ---------------------------------------
+
+namespace {
+
+// A X + X B = C (lyapunov: B = A^H, with B's handle unused).
+template <class T> int32_t sylvester_export(Handle ha, Handle hb, Handle hc, Handle x, bool lyapunov, int32_t* status) {
+  clear(status);
+  Mat<T> a(ha), b(lyapunov ? ha : hb), c(hc);
+  Out2<T> res(x);
+  Outputs out(res);
+  if (a.empty() || b.empty() || c.empty()) return out.report(kEmptyInput, status);
+  if (a.rows() != a.cols() || b.rows() != b.cols()) return out.report(kDimMismatch, status);
+  if (c.rows() != a.rows() || c.cols() != b.rows()) return out.report(kIncompatibleDims, status);
+  if (non_finite(a) || non_finite(b) || non_finite(c)) return out.report(kNonFiniteMatrix, status);
+  if (!out.size(res, c.rows(), c.cols())) return out.report(kNoMemory, status);
+  return out.report(sylvester(a.data(), a.rows(), b.data(), b.rows(), lyapunov, c.data(), res.data()), status);
+}
+
+template <class T, int Dims> int32_t band_export(Handle m, int32_t kl, int32_t ku, Handle rhs, Handle x, int32_t* status) {
+  if (kl < 0 || ku < 0) {
+    clear(status);
+    Out<T, Dims> res(x);
+    Outputs out(res);
+    return out.report(kNegativeSize, status);
+  }
+  return solver_export<T, Dims>(m, rhs, x, true, status, [&](const Mat<T>& a, const Rhs<T, Dims>& b, T* res) {
+    const int32_t n = a.rows();
+    return band_solve(a.data(), n, std::min(kl, n - 1), std::min(ku, n - 1), b.data, b.k, res);
+  });
+}
+
+}  // namespace
+
+JQ_EXPORT int32_t Sylvester_head(JQMatF64 a, JQMatF64 b, JQMatF64 c, JQMatF64 x, int32_t* status) {
+  return sylvester_export<double>(a, b, c, x, false, status);
+}
+JQ_EXPORT int32_t CxSylvester_head(JQMatC128 a, JQMatC128 b, JQMatC128 c, JQMatC128 x, int32_t* status) {
+  return sylvester_export<cdouble>(a, b, c, x, false, status);
+}
+JQ_EXPORT int32_t Lyapunov_head(JQMatF64 a, JQMatF64 c, JQMatF64 x, int32_t* status) {
+  return sylvester_export<double>(a, nullptr, c, x, true, status);
+}
+JQ_EXPORT int32_t CxLyapunov_head(JQMatC128 a, JQMatC128 c, JQMatC128 x, int32_t* status) {
+  return sylvester_export<cdouble>(a, nullptr, c, x, true, status);
+}
+JQ_EXPORT int32_t BandEqsDriH(JQMatF64 a, int32_t kl, int32_t ku, JQArrF64 b, JQArrF64 x, int32_t* status) {
+  return band_export<double, 1>(a, kl, ku, b, x, status);
+}
+JQ_EXPORT int32_t CxBandEqsDriH(JQMatC128 a, int32_t kl, int32_t ku, JQArrC128 b, JQArrC128 x, int32_t* status) {
+  return band_export<cdouble, 1>(a, kl, ku, b, x, status);
+}
+JQ_EXPORT int32_t BandEqsSetDriH(JQMatF64 a, int32_t kl, int32_t ku, JQMatF64 b, JQMatF64 x, int32_t* status) {
+  return band_export<double, 2>(a, kl, ku, b, x, status);
+}
+JQ_EXPORT int32_t CxBandEqsSetDriH(JQMatC128 a, int32_t kl, int32_t ku, JQMatC128 b, JQMatC128 x, int32_t* status) {
+  return band_export<cdouble, 2>(a, kl, ku, b, x, status);
+}

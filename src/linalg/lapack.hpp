@@ -99,6 +99,12 @@ void sig_dtptrs(const char*, const char*, const char*, const I*, const I*, const
 void sig_ztptrs(const char*, const char*, const char*, const I*, const I*, const cdouble*, cdouble*, const I*, I*);
 void sig_dtptri(const char*, const char*, const I*, double*, I*);
 void sig_ztptri(const char*, const char*, const I*, cdouble*, I*);
+void sig_dtrsyl(const char*, const char*, const I*, const I*, const I*, const double*, const I*, const double*,
+                const I*, double*, const I*, double*, I*);
+void sig_ztrsyl(const char*, const char*, const I*, const I*, const I*, const cdouble*, const I*, const cdouble*,
+                const I*, cdouble*, const I*, double*, I*);
+void sig_dgbsv(const I*, const I*, const I*, const I*, double*, const I*, I*, double*, const I*, I*);
+void sig_zgbsv(const I*, const I*, const I*, const I*, cdouble*, const I*, I*, cdouble*, const I*, I*);
 
 // Per-type names of the operations written once for real and complex data.
 template <class T> struct Blas;
@@ -151,6 +157,13 @@ template <> struct Blas<double> {
     JQ_CALL(dorglq, &m, &n, &k, a, &lda, tau, work, &lwork, info);
   }
   // Symmetric eigenproblem; rwork is unused for real data.
+  static void trsyl(I m, I n, const double* a, const double* b, double* c, double* scale, I* info) {
+    const I one = 1;
+    JQ_CALL(dtrsyl, "N", "N", &one, &m, &n, a, &m, b, &n, c, &m, scale, info);
+  }
+  static void gbsv(I n, I kl, I ku, I k, double* ab, I ldab, I* ipiv, double* b, I* info) {
+    JQ_CALL(dgbsv, &n, &kl, &ku, &k, ab, &ldab, ipiv, b, &n, info);
+  }
   static void pptrf(I n, double* ap, I* info) { JQ_CALL(dpptrf, "U", &n, ap, info); }
   static void pptrs(I n, I k, const double* ap, double* b, I* info) { JQ_CALL(dpptrs, "U", &n, &k, ap, b, &n, info); }
   static void pptri(I n, double* ap, I* info) { JQ_CALL(dpptri, "U", &n, ap, info); }
@@ -226,6 +239,13 @@ template <> struct Blas<cdouble> {
   }
   static void orglq(I m, I n, I k, cdouble* a, I lda, const cdouble* tau, cdouble* work, I lwork, I* info) {
     JQ_CALL(zunglq, &m, &n, &k, a, &lda, tau, work, &lwork, info);
+  }
+  static void trsyl(I m, I n, const cdouble* a, const cdouble* b, cdouble* c, double* scale, I* info) {
+    const I one = 1;
+    JQ_CALL(ztrsyl, "N", "N", &one, &m, &n, a, &m, b, &n, c, &m, scale, info);
+  }
+  static void gbsv(I n, I kl, I ku, I k, cdouble* ab, I ldab, I* ipiv, cdouble* b, I* info) {
+    JQ_CALL(zgbsv, &n, &kl, &ku, &k, ab, &ldab, ipiv, b, &n, info);
   }
   static void pptrf(I n, cdouble* ap, I* info) { JQ_CALL(zpptrf, "U", &n, ap, info); }
   static void pptrs(I n, I k, const cdouble* ap, cdouble* b, I* info) { JQ_CALL(zpptrs, "U", &n, &k, ap, b, &n, info); }

@@ -168,6 +168,57 @@ template <class T> int32_t characteristic_polynomial(const T* a, int32_t n, T* c
   return kOk;
 }
 
+template <class T> int32_t sylvester(const T* a, int32_t m, const T* b, int32_t n, bool adjoint_b, const T* c, T* x) {
+  if (int32_t rc = ready()) return rc;
+  const int64_t mm = int64_t{m} * m, nn = int64_t{n} * n, mn = int64_t{m} * n;
+  Buffer<T> s, u, t, v, f, g, sc, tc, bh;
+  if (s.allocate(mm) || u.allocate(mm) || t.allocate(nn) || v.allocate(nn) || f.allocate(mn) || g.allocate(mn))
+    return kNoMemory;
+  const T* bb = b;
+  if (adjoint_b) {
+    if (bh.allocate(nn)) return kNoMemory;
+    for (int32_t i = 0; i < n; ++i)
+      for (int32_t j = 0; j < n; ++j) bh[static_cast<size_t>(i) * n + j] = conj_of(b[static_cast<size_t>(j) * n + i]);
+    bb = bh.data();
+  }
+  // A = U S U^H, B = V T V^H; then S Y + Y T = U^H C V and X = U Y V^H.
+  if (int32_t rc = schur(a, m, s.data(), u.data())) return rc;
+  if (int32_t rc = schur(bb, n, t.data(), v.data())) return rc;
+  Blas<T>::gemm_t(kConjTrans, kNoTrans, m, n, m, u.data(), m, c, n, g.data(), n);
+  Blas<T>::gemm_t(kNoTrans, kNoTrans, m, n, n, g.data(), n, v.data(), n, f.data(), n);
+  if (to_column_major(s.data(), m, m, sc, m) || to_column_major(t.data(), n, n, tc, n) ||
+      to_column_major(f.data(), m, n, g, m))
+    return kNoMemory;
+  double scale = 1;
+  I info = 0;
+  Blas<T>::trsyl(m, n, sc.data(), tc.data(), g.data(), &scale, &info);
+  if (info > 0) return kSingular;
+  from_column_major(g.data(), m, m, n, f.data());
+  Blas<T>::gemm_t(kNoTrans, kNoTrans, m, n, m, u.data(), m, f.data(), n, g.data(), n);
+  Blas<T>::gemm_t(kNoTrans, kConjTrans, m, n, n, g.data(), n, v.data(), n, x, n);
+  if (scale != 1) Blas<T>::scal(static_cast<I>(mn), 1.0 / scale, x, 1);
+  return kOk;
+}
+
+// LAPACK's band layout: column j of the band holds A(i, j) at row
+// kl + ku + i - j, kl rows on top being room for the fill-in.
+template <class T> int32_t band_solve(const T* a, int32_t n, int32_t kl, int32_t ku, const T* b, int32_t k, T* x) {
+  if (int32_t rc = ready()) return rc;
+  const int32_t ld = 2 * kl + ku + 1;
+  Buffer<T> ab, bc;
+  Scratch<I> ipiv;
+  if (ab.allocate(int64_t{ld} * n) || ipiv.allocate(n) || to_column_major(b, n, k, bc, n)) return kNoMemory;
+  std::fill(ab.data(), ab.data() + int64_t{ld} * n, T(0.0));
+  for (int32_t j = 0; j < n; ++j)
+    for (int32_t i = std::max(0, j - ku); i <= std::min(n - 1, j + kl); ++i)
+      ab[static_cast<size_t>(j) * ld + kl + ku + i - j] = a[static_cast<size_t>(i) * n + j];
+  I info = 0;
+  Blas<T>::gbsv(n, kl, ku, k, ab.data(), ld, ipiv.data(), bc.data(), &info);
+  if (info > 0) return kSingular;
+  from_column_major(bc.data(), n, n, k, x);
+  return kOk;
+}
+
 #define JQ_INSTANTIATE(T)                                                                     \
   template int32_t lu_solve(const T*, const int32_t*, int32_t, const T*, T*);                 \
   template int32_t lu_inverse(const T*, const int32_t*, int32_t, T*);                         \
@@ -175,7 +226,9 @@ template <class T> int32_t characteristic_polynomial(const T* a, int32_t n, T* c
   template int32_t is_positive_definite(const T*, int32_t, bool, int32_t*);                   \
   template int32_t hessenberg(const T*, int32_t, T*, T*);                                     \
   template int32_t schur(const T*, int32_t, T*, T*);                                          \
-  template int32_t characteristic_polynomial(const T*, int32_t, T*);
+  template int32_t characteristic_polynomial(const T*, int32_t, T*);                         \
+  template int32_t sylvester(const T*, int32_t, const T*, int32_t, bool, const T*, T*);      \
+  template int32_t band_solve(const T*, int32_t, int32_t, int32_t, const T*, int32_t, T*);
 JQ_INSTANTIATE(double)
 JQ_INSTANTIATE(cdouble)
 

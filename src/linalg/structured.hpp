@@ -34,4 +34,13 @@ template <class T> int32_t schur(const T* a, int32_t n, T* s, T* z);
 // Coefficients c[0..n] of det(x I - A), constant first, leading 1.
 template <class T> int32_t characteristic_polynomial(const T* a, int32_t n, T* c);
 
+// X (m x n) solving A X + X B = C (A m x m, B n x n) by the Schur forms of
+// A and B; kSingular when A and -B share (or nearly share) an eigenvalue.
+// adjoint_b solves A X + X B^H = C instead (Lyapunov: B = A).
+template <class T> int32_t sylvester(const T* a, int32_t m, const T* b, int32_t n, bool adjoint_b, const T* c, T* x);
+
+// X (n x k) solving A X = B for A with kl sub- and ku super-diagonals (the
+// rest of the full matrix A is ignored).
+template <class T> int32_t band_solve(const T* a, int32_t n, int32_t kl, int32_t ku, const T* b, int32_t k, T* x);
+
 }  // namespace jq::linalg

@@ -238,3 +238,43 @@ TEST(Structured, PackedMembersMatchFullStorage) {
 }
 
 }  // namespace
+
+namespace {
+
+template <class T> void check_equations(const EqCase& c) {
+  SCOPED_TRACE(c.name);
+  constexpr bool cx = std::is_same_v<T, cd>;
+  lt::NoBufferLeft guard;
+  auto a = lt::matrix<T>(c.a, c.m, c.m), b = lt::matrix<T>(c.b, c.n, c.n), cc = lt::matrix<T>(c.c, c.m, c.n),
+       q = lt::matrix<T>(c.q, c.m, c.m);
+  jqrt::Array2<T> x;
+  int32_t st;
+  cx ? CxSylvester_head(a.h(), b.h(), cc.h(), x.h(), &st) : Sylvester_head(a.h(), b.h(), cc.h(), x.h(), &st);
+  EXPECT_EQ(st, 0);
+  EXPECT_LT(lt::rel_error(x.data(), c.x, c.m * c.n), 1e-12);
+  cx ? CxLyapunov_head(a.h(), q.h(), x.h(), &st) : Lyapunov_head(a.h(), q.h(), x.h(), &st);
+  EXPECT_EQ(st, 0);
+  EXPECT_LT(lt::rel_error(x.data(), c.lx, c.m * c.m), 1e-12);
+}
+
+TEST(Structured, SylvesterLyapunovAndBands) {
+  for (const EqCase& c : kEq) c.cx ? check_equations<cd>(c) : check_equations<double>(c);
+  // A banded system equals the dense one with the outside of the band zeroed.
+  auto full = jqrt::Array2<double>::rows({{4, 1, 9, 9}, {2, 5, 1, 9}, {9, 2, 6, 1}, {9, 9, 2, 7}});
+  auto band = jqrt::Array2<double>::rows({{4, 1, 0, 0}, {2, 5, 1, 0}, {0, 2, 6, 1}, {0, 0, 2, 7}});
+  jqrt::Array<double> b{1, 2, 3, 4}, x1, x2;
+  int32_t st;
+  BandEqsDriH(full.h(), 1, 1, b.h(), x1.h(), &st);
+  EXPECT_EQ(st, 0);
+  EqsByLUDri_head(band.h(), b.h(), x2.h(), &st);
+  for (int i = 0; i < 4; ++i) EXPECT_NEAR(x1.data()[i], x2.data()[i], 1e-14);
+  BandEqsDriH(full.h(), -1, 1, b.h(), x1.h(), &st);
+  EXPECT_EQ(st, -20004);
+  EXPECT_EQ(x1.rows(), 0);
+  // Bands wider than the matrix are the whole matrix.
+  BandEqsDriH(full.h(), INT32_MAX, INT32_MAX, b.h(), x1.h(), &st);
+  EqsByLUDri_head(full.h(), b.h(), x2.h(), &st);
+  for (int i = 0; i < 4; ++i) EXPECT_NEAR(x1.data()[i], x2.data()[i], 1e-13);
+}
+
+}  // namespace
