@@ -8,13 +8,6 @@
 namespace jq::linalg {
 namespace {
 
-template <class T> T conj_of(T x) {
-  if constexpr (std::is_same_v<T, double>)
-    return x;
-  else
-    return std::conj(x);
-}
-
 template <class T> void conjugate(T* x, int64_t count) {
   if constexpr (!std::is_same_v<T, double>)
     for (int64_t i = 0; i < count; ++i) x[i] = std::conj(x[i]);

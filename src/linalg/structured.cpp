@@ -8,19 +8,6 @@
 #include "linalg/dense.hpp"
 
 namespace jq::linalg {
-namespace {
-
-template <class T> I work_size(T query) { return std::max<I>(static_cast<I>(std::real(query)), 1); }
-
-template <class T> T conj_of(T x) {
-  if constexpr (std::is_same_v<T, double>)
-    return x;
-  else
-    return std::conj(x);
-}
-
-}  // namespace
-
 // Forward substitution with the unit lower factor, then back substitution
 // with the upper one, one row's dot product at a time.
 template <class T> int32_t lu_solve(const T* lu, const int32_t* pivots, int32_t n, const T* b, T* x) {
@@ -45,8 +32,8 @@ template <class T> int32_t lu_inverse(const T* lu, const int32_t* pivots, int32_
   I info = 0;
   T query = 0.0;
   Blas<T>::getri(n, c.data(), n, ipiv.data(), &query, -1, &info);
-  if (work.allocate(work_size(query))) return kNoMemory;
-  Blas<T>::getri(n, c.data(), n, ipiv.data(), work.data(), work_size(query), &info);
+  if (work.allocate(workspace(query))) return kNoMemory;
+  Blas<T>::getri(n, c.data(), n, ipiv.data(), work.data(), workspace(query), &info);
   if (info > 0) return kSingular;
   from_column_major(c.data(), n, n, n, inv);
   return kOk;
@@ -104,14 +91,14 @@ template <class T> int32_t hessenberg(const T* a, int32_t n, T* h, T* q) {
   I info = 0;
   T query = 0.0;
   Blas<T>::gehrd(n, c.data(), tau.data(), &query, -1, &info);
-  if (work.allocate(work_size(query))) return kNoMemory;
-  Blas<T>::gehrd(n, c.data(), tau.data(), work.data(), work_size(query), &info);
+  if (work.allocate(workspace(query))) return kNoMemory;
+  Blas<T>::gehrd(n, c.data(), tau.data(), work.data(), workspace(query), &info);
   from_column_major(c.data(), n, n, n, h);
   for (int32_t i = 2; i < n; ++i)
     for (int32_t j = 0; j < i - 1; ++j) h[static_cast<size_t>(i) * n + j] = 0.0;
   Blas<T>::orghr(n, c.data(), tau.data(), &query, -1, &info);
-  if (work.allocate(work_size(query))) return kNoMemory;
-  Blas<T>::orghr(n, c.data(), tau.data(), work.data(), work_size(query), &info);
+  if (work.allocate(workspace(query))) return kNoMemory;
+  Blas<T>::orghr(n, c.data(), tau.data(), work.data(), workspace(query), &info);
   from_column_major(c.data(), n, n, n, q);
   return kOk;
 }
@@ -136,7 +123,7 @@ template <class T> int32_t schur(const T* a, int32_t n, T* s, T* z) {
               bwork.data(), &info);
   };
   run(&query, &minus1);
-  const I lwork = work_size(query);
+  const I lwork = workspace(query);
   if (work.allocate(lwork)) return kNoMemory;
   run(work.data(), &lwork);
   if (info > 0) return kNoConvergence;
