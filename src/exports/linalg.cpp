@@ -25,6 +25,11 @@ int64_t count(int32_t rows, int32_t cols) { return int64_t{rows} * cols; }
 template <class T> bool non_finite(const Mat<T>& a) { return has_non_finite(a.data(), count(a.rows(), a.cols())); }
 template <class T> bool non_finite(const Array1<const T>& v) { return has_non_finite(v.data(), v.size()); }
 
+// A scalar output the caller did not provide is written to a local instead.
+#define JQ_SCALAR_OUT(p) \
+  std::remove_pointer_t<decltype(p)> p##_local{}; \
+  if (!p) p = &p##_local
+
 // The status argument is cleared on entry.
 void clear(int32_t* status) {
   if (status) *status = kOk;
@@ -56,6 +61,7 @@ template <class T> int32_t square_checks(const Mat<T>& a) {
 }
 
 template <class T> int32_t determinant_export(Handle m, int32_t type, typename Scalar<T>::type* det, int32_t* status) {
+  JQ_SCALAR_OUT(det);
   clear(status);
   Mat<T> a(m);
   int32_t code = a.empty() ? kEmptyInput : a.rows() != a.cols() ? kDimMismatch : kOk;
@@ -205,6 +211,7 @@ template <class T> int32_t transpose_export(Handle m, Handle t, int32_t* status)
 }
 
 template <class T> int32_t trace_export(Handle m, typename Scalar<T>::type* tr, int32_t* status) {
+  JQ_SCALAR_OUT(tr);
   clear(status);
   Mat<T> a(m);
   if (a.empty()) return report_value(kEmptyInput, tr, status);
@@ -213,6 +220,7 @@ template <class T> int32_t trace_export(Handle m, typename Scalar<T>::type* tr, 
 }
 
 template <class T> int32_t norm_export(Handle m, int32_t type, double* norm, int32_t* status, bool cond) {
+  JQ_SCALAR_OUT(norm);
   return scalar_of_matrix<T>(m, false, type >= 0 && type <= 3, norm, status, [&](const Mat<T>& a) -> int32_t {
     if (!cond) return matrix_norm(a.data(), a.rows(), a.cols(), type, norm);
     if (type != 0 && a.rows() != a.cols()) return kDimMismatch;
@@ -221,6 +229,7 @@ template <class T> int32_t norm_export(Handle m, int32_t type, double* norm, int
 }
 
 template <class T> int32_t rank_export(Handle m, double tol, int32_t* rank, int32_t* status) {
+  JQ_SCALAR_OUT(rank);
   clear(status);
   *rank = -1;
   Mat<T> a(m);
@@ -243,6 +252,7 @@ template <class T> int32_t pinv_export(Handle m, double tol, Handle p, int32_t* 
 }
 
 template <class T> int32_t dot_export(Handle x, Handle y, typename Scalar<T>::type* dot, int32_t* status) {
+  JQ_SCALAR_OUT(dot);
   clear(status);
   Array1<const T> u(x), v(y);
   int32_t code = u.empty() || v.empty() ? kEmptyInput : u.size() != v.size() ? kLengthMismatch : ready();
@@ -299,6 +309,7 @@ template <class T> int32_t vectxa_export(Handle x, Handle m, Handle y, int32_t a
 }
 
 template <class T> int32_t vector_norm_export(Handle x, double p, int32_t normalize, double* norm, int32_t* status) {
+  JQ_SCALAR_OUT(norm);
   clear(status);
   Array1<T> v(x);
   int32_t code = v.empty() ? kEmptyInput : std::isnan(p) ? kNonFiniteMatrix : p == 0 ? kZeroNormOrder : kOk;
@@ -704,6 +715,7 @@ template <int Dims> int32_t tridiagonal_export(Handle sub, Handle diag, Handle s
 
 // Property tests: 1 or 0 in the result, -1 on an error.
 template <class T> int32_t property_export(Handle m, int kind, int32_t* result, int32_t* status) {
+  JQ_SCALAR_OUT(result);
   clear(status);
   *result = -1;
   Mat<T> a(m);
