@@ -118,11 +118,12 @@ for tag, cx in (("re", False), ("cx", True)):
         spd = a @ a.conj().T + np.eye(n)  # a root without branch questions
         arr(name + "_spd", spd)
         arr(name + "_sqrt", sl.sqrtm(spd.astype(complex)))
+        arr(name + "_log", sl.logm(spd.astype(complex)))
         funcs.append((name, n, cx))
-out.append("struct FuncCase { const char* name; int n; bool cx; const double *a, *exp, *p5, *pm3, *spd, *sqrt; };")
+out.append("struct FuncCase { const char* name; int n; bool cx; const double *a, *exp, *p5, *pm3, *spd, *sqrt, *log; };")
 out.append("const FuncCase kFunc[] = {")
 for name, n, cx in funcs:
-    f = ", ".join(name + s for s in ("_a", "_exp", "_p5", "_pm3", "_spd", "_sqrt"))
+    f = ", ".join(name + s for s in ("_a", "_exp", "_p5", "_pm3", "_spd", "_sqrt", "_log"))
     out.append('  {"%s", %d, %s, %s},' % (name, n, "true" if cx else "false", f))
 out.append("};")
 

@@ -213,6 +213,13 @@ JQ_API int32_t MatrixPower_head(JQ_IN JQMatF64 a, int32_t p, JQ_OUT JQMatF64 r, 
 JQ_API int32_t CxMatrixPower_head(JQ_IN JQMatC128 a, int32_t p, JQ_OUT JQMatC128 r, JQ_OUT int32_t* status);
 JQ_API int32_t MatrixSqrt_head(JQ_IN JQMatF64 a, JQ_OUT JQMatC128 x, JQ_OUT int32_t* status);
 JQ_API int32_t CxMatrixSqrt_head(JQ_IN JQMatC128 a, JQ_OUT JQMatC128 x, JQ_OUT int32_t* status);
+/* Principal logarithm of a diagonalizable matrix, through its
+ * eigendecomposition (a zero eigenvalue: -20027); the matrix V diag(values)
+ * V^-1 of given eigenvalues and eigenvectors (columns; V singular: -20041). */
+JQ_API int32_t MatrixLn_head(JQ_IN JQMatF64 a, JQ_OUT JQMatC128 l, JQ_OUT int32_t* status);
+JQ_API int32_t CxMatrixLn_head(JQ_IN JQMatC128 a, JQ_OUT JQMatC128 l, JQ_OUT int32_t* status);
+JQ_API int32_t CreateMatrixFromEVs_head(JQ_IN JQArrF64 values, JQ_IN JQMatF64 vectors, JQ_OUT JQMatF64 a, JQ_OUT int32_t* status);
+JQ_API int32_t CxCreateMatrixFromEVs_head(JQ_IN JQArrC128 values, JQ_IN JQMatC128 vectors, JQ_OUT JQMatC128 a, JQ_OUT int32_t* status);
 
 /* Packed storage: the lower triangle of an n x n matrix, row after row, in
  * n (n + 1) / 2 elements (a length that is not such a number: -20002).

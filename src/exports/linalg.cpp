@@ -804,14 +804,29 @@ JQ_EXPORT int32_t CxMatrixCharacteristicPoly_head(JQMatC128 a, JQArrC128 coeffic
 
 namespace {
 
-template <class T> int32_t sqrt_export(Handle m, Handle x, int32_t* status) {
+// Functions whose value is complex for real matrices too (root, logarithm).
+template <class T, class F> int32_t complex_function_export(Handle m, Handle x, int32_t* status, F compute) {
   clear(status);
   Mat<T> a(m);
   Out2<cdouble> res(x);
   Outputs out(res);
   if (int32_t code = square_checks(a)) return out.report(code, status);
   if (!out.size(res, a.rows(), a.rows())) return out.report(kNoMemory, status);
-  return out.report(matrix_sqrt(a.data(), a.rows(), res.data()), status);
+  return out.report(compute(a.data(), a.rows(), res.data()), status);
+}
+
+template <class T> int32_t from_eigen_export(Handle values, Handle vectors, Handle r, int32_t* status) {
+  clear(status);
+  Array1<const T> w(values);
+  Mat<T> v(vectors);
+  Out2<T> res(r);
+  Outputs out(res);
+  if (w.empty() || v.empty()) return out.report(kEmptyInput, status);
+  if (v.rows() != v.cols()) return out.report(kDimMismatch, status);
+  if (w.size() != v.rows()) return out.report(kLengthMismatch, status);
+  if (non_finite(w) || non_finite(v)) return out.report(kNonFiniteMatrix, status);
+  if (!out.size(res, v.rows(), v.rows())) return out.report(kNoMemory, status);
+  return out.report(from_eigen(w.data(), v.data(), v.rows(), res.data()), status);
 }
 
 }  // namespace
@@ -828,8 +843,24 @@ JQ_EXPORT int32_t MatrixPower_head(JQMatF64 a, int32_t p, JQMatF64 r, int32_t* s
 JQ_EXPORT int32_t CxMatrixPower_head(JQMatC128 a, int32_t p, JQMatC128 r, int32_t* status) {
   return square_to_square<cdouble>(a, r, status, [p](const cdouble* x, int32_t n, cdouble* y) { return matrix_power(x, n, p, y); });
 }
-JQ_EXPORT int32_t MatrixSqrt_head(JQMatF64 a, JQMatC128 x, int32_t* status) { return sqrt_export<double>(a, x, status); }
-JQ_EXPORT int32_t CxMatrixSqrt_head(JQMatC128 a, JQMatC128 x, int32_t* status) { return sqrt_export<cdouble>(a, x, status); }
+JQ_EXPORT int32_t MatrixSqrt_head(JQMatF64 a, JQMatC128 x, int32_t* status) {
+  return complex_function_export<double>(a, x, status, matrix_sqrt<double>);
+}
+JQ_EXPORT int32_t CxMatrixSqrt_head(JQMatC128 a, JQMatC128 x, int32_t* status) {
+  return complex_function_export<cdouble>(a, x, status, matrix_sqrt<cdouble>);
+}
+JQ_EXPORT int32_t MatrixLn_head(JQMatF64 a, JQMatC128 l, int32_t* status) {
+  return complex_function_export<double>(a, l, status, matrix_log<double>);
+}
+JQ_EXPORT int32_t CxMatrixLn_head(JQMatC128 a, JQMatC128 l, int32_t* status) {
+  return complex_function_export<cdouble>(a, l, status, matrix_log<cdouble>);
+}
+JQ_EXPORT int32_t CreateMatrixFromEVs_head(JQArrF64 values, JQMatF64 vectors, JQMatF64 a, int32_t* status) {
+  return from_eigen_export<double>(values, vectors, a, status);
+}
+JQ_EXPORT int32_t CxCreateMatrixFromEVs_head(JQArrC128 values, JQMatC128 vectors, JQMatC128 a, int32_t* status) {
+  return from_eigen_export<cdouble>(values, vectors, a, status);
+}
 
 // ---- packed storage ------------------------------------------------------------------------
 

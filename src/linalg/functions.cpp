@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstring>
 
+#include "linalg/decompose.hpp"
 #include "linalg/dense.hpp"
 
 namespace jq::linalg {
@@ -148,10 +149,37 @@ template <class T> int32_t matrix_sqrt(const T* a, int32_t n, cdouble* x) {
   return kOk;
 }
 
+template <class T> int32_t from_eigen(const T* values, const T* v, int32_t n, T* a) {
+  if (int32_t rc = ready()) return rc;
+  const int64_t nn = int64_t{n} * n;
+  Buffer<T> inv, w;
+  if (inv.allocate(nn) || w.allocate(nn)) return kNoMemory;
+  if (int32_t rc = inverse_lu(v, n, inv.data())) return rc;
+  // W = V diag(values): column j of V scaled by values[j].
+  std::memcpy(static_cast<void*>(w.data()), v, sizeof(T) * nn);
+  for (int32_t j = 0; j < n; ++j) Blas<T>::scal(n, values[j], w.data() + j, n);
+  Blas<T>::gemm(n, n, n, w.data(), n, inv.data(), n, a, n);
+  return kOk;
+}
+
+template <class T> int32_t matrix_log(const T* a, int32_t n, cdouble* l) {
+  if (int32_t rc = ready()) return rc;
+  Buffer<cdouble> values, v;
+  if (values.allocate(n) || v.allocate(int64_t{n} * n)) return kNoMemory;
+  if (int32_t rc = eigen(a, n, values.data(), v.data())) return rc;
+  for (int32_t i = 0; i < n; ++i) {
+    if (values[i] == cdouble(0.0)) return kNonPositiveLog;
+    values[i] = std::log(values[i]);
+  }
+  return from_eigen(values.data(), v.data(), n, l);
+}
+
 #define JQ_INSTANTIATE(T)                                               \
   template int32_t matrix_exp(const T*, int32_t, T*);                   \
   template int32_t matrix_power(const T*, int32_t, int32_t, T*);        \
-  template int32_t matrix_sqrt(const T*, int32_t, cdouble*);
+  template int32_t matrix_sqrt(const T*, int32_t, cdouble*);           \
+  template int32_t from_eigen(const T*, const T*, int32_t, T*);         \
+  template int32_t matrix_log(const T*, int32_t, cdouble*);
 JQ_INSTANTIATE(double)
 JQ_INSTANTIATE(cdouble)
 

@@ -15,4 +15,10 @@ template <class T> int32_t matrix_power(const T* a, int32_t n, int32_t p, T* r);
 // the upper triangular root of T, then Z R Z^H.
 template <class T> int32_t matrix_sqrt(const T* a, int32_t n, cdouble* x);
 
+// V diag(values) V^-1 (n x n); kSingular when V has no inverse.
+template <class T> int32_t from_eigen(const T* values, const T* v, int32_t n, T* a);
+// The principal logarithm through the eigendecomposition A = V diag(l) V^-1
+// (A diagonalizable); kNonPositiveLog for a zero eigenvalue.
+template <class T> int32_t matrix_log(const T* a, int32_t n, cdouble* l);
+
 }  // namespace jq::linalg

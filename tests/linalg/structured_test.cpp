@@ -154,6 +154,16 @@ template <class T> void check_functions(const FuncCase& c) {
   cx ? CxMatrixSqrt_head(spd.h(), x.h(), &st) : MatrixSqrt_head(spd.h(), x.h(), &st);
   EXPECT_EQ(st, 0);
   EXPECT_LT(lt::rel_error(x.data(), c.sqrt, n * n), 1e-12);
+  cx ? CxMatrixLn_head(spd.h(), x.h(), &st) : MatrixLn_head(spd.h(), x.h(), &st);
+  EXPECT_EQ(st, 0);
+  EXPECT_LT(lt::rel_error(x.data(), c.log, n * n), 1e-11);
+  // Rebuilt from its own eigendecomposition, A is A again.
+  jqrt::Array<cd> w;
+  jqrt::Array2<cd> v, back;
+  cx ? CxEigenValueVector_head(a.h(), w.h(), v.h(), &st) : EigenValueVector_head(a.h(), w.h(), v.h(), &st);
+  CxCreateMatrixFromEVs_head(w.h(), v.h(), back.h(), &st);
+  EXPECT_EQ(st, 0);
+  for (int i = 0; i < n * n; ++i) EXPECT_NEAR(std::abs(back.data()[i] - cd(a.data()[i])), 0, 1e-11);
 }
 
 TEST(Structured, MatrixFunctionsAgreeWithScipy) {
