@@ -263,6 +263,16 @@ JQ_API int32_t CxBandEqsDriH(JQ_IN JQMatC128 a, int32_t kl, int32_t ku, JQ_IN JQ
 JQ_API int32_t BandEqsSetDriH(JQ_IN JQMatF64 a, int32_t kl, int32_t ku, JQ_IN JQMatF64 b, JQ_OUT JQMatF64 x, JQ_OUT int32_t* status);
 JQ_API int32_t CxBandEqsSetDriH(JQ_IN JQMatC128 a, int32_t kl, int32_t ku, JQ_IN JQMatC128 b, JQ_OUT JQMatC128 x, JQ_OUT int32_t* status);
 
+/* Balancing B = D^-1 P^T A P D (job 0 none, 1 permute, 2 scale, 3 both):
+ * scale holds the permutations and factors as LAPACK's balancing encodes
+ * them, ilo..ihi (0-based) the rows and columns not isolated. EigenVBack_head
+ * turns eigenvectors of B (columns, in place; side 0 right, 1 left) into
+ * those of A with the same job, scale, ilo and ihi. */
+JQ_API int32_t MatrixBalance_head(JQ_IN JQMatF64 a, int32_t job, JQ_OUT JQMatF64 b, JQ_OUT JQArrF64 scale, JQ_OUT int32_t* ilo, JQ_OUT int32_t* ihi, JQ_OUT int32_t* status);
+JQ_API int32_t CxMatrixBalance_head(JQ_IN JQMatC128 a, int32_t job, JQ_OUT JQMatC128 b, JQ_OUT JQArrF64 scale, JQ_OUT int32_t* ilo, JQ_OUT int32_t* ihi, JQ_OUT int32_t* status);
+JQ_API int32_t EigenVBack_head(JQ_INOUT JQMatF64 vectors, JQ_IN JQArrF64 scale, int32_t ilo, int32_t ihi, int32_t job, int32_t side, JQ_OUT int32_t* status);
+JQ_API int32_t CxEigenVBack_head(JQ_INOUT JQMatC128 vectors, JQ_IN JQArrF64 scale, int32_t ilo, int32_t ihi, int32_t job, int32_t side, JQ_OUT int32_t* status);
+
 #ifdef __cplusplus
 }
 #endif

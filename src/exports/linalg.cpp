@@ -1052,3 +1052,62 @@ JQ_EXPORT int32_t BandEqsSetDriH(JQMatF64 a, int32_t kl, int32_t ku, JQMatF64 b,
 JQ_EXPORT int32_t CxBandEqsSetDriH(JQMatC128 a, int32_t kl, int32_t ku, JQMatC128 b, JQMatC128 x, int32_t* status) {
   return band_export<cdouble, 2>(a, kl, ku, b, x, status);
 }
+
+// ---- balancing -----------------------------------------------------------------------------
+
+namespace {
+
+template <class T>
+int32_t balance_export(Handle m, int32_t job, Handle b, Handle scale, int32_t* ilo, int32_t* ihi, int32_t* status) {
+  clear(status);
+  JQ_SCALAR_OUT(ilo);
+  JQ_SCALAR_OUT(ihi);
+  *ilo = *ihi = -1;
+  Mat<T> a(m);
+  Out2<T> bo(b);
+  Out<double> so(scale);
+  Outputs out(bo, so);
+  int32_t code = a.empty() ? kEmptyInput : a.rows() != a.cols() ? kDimMismatch : job < 0 || job > 3 ? kBadSelector : kOk;
+  if (!code && non_finite(a)) code = kNonFiniteMatrix;
+  if (code) return out.report(code, status);
+  const int32_t n = a.rows();
+  if (!out.size(bo, n, n) || !out.size(so, n)) return out.report(kNoMemory, status);
+  int32_t lo, hi;
+  code = balance(a.data(), n, job, bo.data(), so.data(), &lo, &hi);
+  if (!code) *ilo = lo, *ihi = hi;
+  return out.report(code, status);
+}
+
+template <class T>
+int32_t balance_back_export(Handle vectors, Handle scale, int32_t ilo, int32_t ihi, int32_t job, int32_t side, int32_t* status) {
+  clear(status);
+  Mat<T> v(vectors);
+  Array1<const double> s(scale);
+  Out2<T> vo(vectors);
+  Outputs out(vo);
+  const int32_t n = v.rows();
+  int32_t code = v.empty() || s.empty() ? kEmptyInput : s.size() != n ? kLengthMismatch : kOk;
+  if (!code && (job < 0 || job > 3 || side < 0 || side > 1 || ilo < 0 || ihi < ilo || ihi >= n)) code = kBadSelector;
+  if (!code && (non_finite(v) || non_finite(s))) code = kNonFiniteMatrix;
+  if (code) return out.report(code, status);
+  return out.report(balance_back(const_cast<T*>(v.data()), n, v.cols(), s.data(), ilo, ihi, job, side), status);
+}
+
+}  // namespace
+
+JQ_EXPORT int32_t MatrixBalance_head(JQMatF64 a, int32_t job, JQMatF64 b, JQArrF64 scale, int32_t* ilo, int32_t* ihi,
+                                     int32_t* status) {
+  return balance_export<double>(a, job, b, scale, ilo, ihi, status);
+}
+JQ_EXPORT int32_t CxMatrixBalance_head(JQMatC128 a, int32_t job, JQMatC128 b, JQArrF64 scale, int32_t* ilo, int32_t* ihi,
+                                       int32_t* status) {
+  return balance_export<cdouble>(a, job, b, scale, ilo, ihi, status);
+}
+JQ_EXPORT int32_t EigenVBack_head(JQMatF64 vectors, JQArrF64 scale, int32_t ilo, int32_t ihi, int32_t job, int32_t side,
+                                  int32_t* status) {
+  return balance_back_export<double>(vectors, scale, ilo, ihi, job, side, status);
+}
+JQ_EXPORT int32_t CxEigenVBack_head(JQMatC128 vectors, JQArrF64 scale, int32_t ilo, int32_t ihi, int32_t job, int32_t side,
+                                    int32_t* status) {
+  return balance_back_export<cdouble>(vectors, scale, ilo, ihi, job, side, status);
+}

@@ -105,6 +105,10 @@ void sig_ztrsyl(const char*, const char*, const I*, const I*, const I*, const cd
                 const I*, cdouble*, const I*, double*, I*);
 void sig_dgbsv(const I*, const I*, const I*, const I*, double*, const I*, I*, double*, const I*, I*);
 void sig_zgbsv(const I*, const I*, const I*, const I*, cdouble*, const I*, I*, cdouble*, const I*, I*);
+void sig_dgebal(const char*, const I*, double*, const I*, I*, I*, double*, I*);
+void sig_zgebal(const char*, const I*, cdouble*, const I*, I*, I*, double*, I*);
+void sig_dgebak(const char*, const char*, const I*, const I*, const I*, const double*, const I*, double*, const I*, I*);
+void sig_zgebak(const char*, const char*, const I*, const I*, const I*, const double*, const I*, cdouble*, const I*, I*);
 
 // Per-type names of the operations written once for real and complex data.
 template <class T> struct Blas;
@@ -163,6 +167,12 @@ template <> struct Blas<double> {
   }
   static void gbsv(I n, I kl, I ku, I k, double* ab, I ldab, I* ipiv, double* b, I* info) {
     JQ_CALL(dgbsv, &n, &kl, &ku, &k, ab, &ldab, ipiv, b, &n, info);
+  }
+  static void gebal(char job, I n, double* a, I* ilo, I* ihi, double* scale, I* info) {
+    JQ_CALL(dgebal, &job, &n, a, &n, ilo, ihi, scale, info);
+  }
+  static void gebak(char job, char side, I n, I ilo, I ihi, const double* scale, I m, double* v, I* info) {
+    JQ_CALL(dgebak, &job, &side, &n, &ilo, &ihi, scale, &m, v, &n, info);
   }
   static void pptrf(I n, double* ap, I* info) { JQ_CALL(dpptrf, "U", &n, ap, info); }
   static void pptrs(I n, I k, const double* ap, double* b, I* info) { JQ_CALL(dpptrs, "U", &n, &k, ap, b, &n, info); }
@@ -246,6 +256,12 @@ template <> struct Blas<cdouble> {
   }
   static void gbsv(I n, I kl, I ku, I k, cdouble* ab, I ldab, I* ipiv, cdouble* b, I* info) {
     JQ_CALL(zgbsv, &n, &kl, &ku, &k, ab, &ldab, ipiv, b, &n, info);
+  }
+  static void gebal(char job, I n, cdouble* a, I* ilo, I* ihi, double* scale, I* info) {
+    JQ_CALL(zgebal, &job, &n, a, &n, ilo, ihi, scale, info);
+  }
+  static void gebak(char job, char side, I n, I ilo, I ihi, const double* scale, I m, cdouble* v, I* info) {
+    JQ_CALL(zgebak, &job, &side, &n, &ilo, &ihi, scale, &m, v, &n, info);
   }
   static void pptrf(I n, cdouble* ap, I* info) { JQ_CALL(zpptrf, "U", &n, ap, info); }
   static void pptrs(I n, I k, const cdouble* ap, cdouble* b, I* info) { JQ_CALL(zpptrs, "U", &n, &k, ap, b, &n, info); }

@@ -206,6 +206,32 @@ template <class T> int32_t band_solve(const T* a, int32_t n, int32_t kl, int32_t
   return kOk;
 }
 
+constexpr char kBalanceJobs[] = "NPSB";
+
+template <class T>
+int32_t balance(const T* a, int32_t n, int32_t job, T* b, double* scale, int32_t* ilo, int32_t* ihi) {
+  if (int32_t rc = ready()) return rc;
+  Buffer<T> c;
+  if (to_column_major(a, n, n, c, n)) return kNoMemory;
+  I lo = 1, hi = n, info = 0;
+  Blas<T>::gebal(kBalanceJobs[job], n, c.data(), &lo, &hi, scale, &info);
+  from_column_major(c.data(), n, n, n, b);
+  *ilo = lo - 1;
+  *ihi = hi - 1;
+  return kOk;
+}
+
+template <class T>
+int32_t balance_back(T* v, int32_t n, int32_t m, const double* scale, int32_t ilo, int32_t ihi, int32_t job, int32_t side) {
+  if (int32_t rc = ready()) return rc;
+  Buffer<T> c;
+  if (to_column_major(v, n, m, c, n)) return kNoMemory;
+  I info = 0;
+  Blas<T>::gebak(kBalanceJobs[job], side ? 'L' : 'R', n, ilo + 1, ihi + 1, scale, m, c.data(), &info);
+  from_column_major(c.data(), n, n, m, v);
+  return kOk;
+}
+
 #define JQ_INSTANTIATE(T)                                                                     \
   template int32_t lu_solve(const T*, const int32_t*, int32_t, const T*, T*);                 \
   template int32_t lu_inverse(const T*, const int32_t*, int32_t, T*);                         \
@@ -215,7 +241,9 @@ template <class T> int32_t band_solve(const T* a, int32_t n, int32_t kl, int32_t
   template int32_t schur(const T*, int32_t, T*, T*);                                          \
   template int32_t characteristic_polynomial(const T*, int32_t, T*);                         \
   template int32_t sylvester(const T*, int32_t, const T*, int32_t, bool, const T*, T*);      \
-  template int32_t band_solve(const T*, int32_t, int32_t, int32_t, const T*, int32_t, T*);
+  template int32_t band_solve(const T*, int32_t, int32_t, int32_t, const T*, int32_t, T*);     \
+  template int32_t balance(const T*, int32_t, int32_t, T*, double*, int32_t*, int32_t*);         \
+  template int32_t balance_back(T*, int32_t, int32_t, const double*, int32_t, int32_t, int32_t, int32_t);
 JQ_INSTANTIATE(double)
 JQ_INSTANTIATE(cdouble)
 

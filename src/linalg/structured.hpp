@@ -43,4 +43,14 @@ template <class T> int32_t sylvester(const T* a, int32_t m, const T* b, int32_t 
 // rest of the full matrix A is ignored).
 template <class T> int32_t band_solve(const T* a, int32_t n, int32_t kl, int32_t ku, const T* b, int32_t k, T* x);
 
+// Balancing: job 0 none, 1 permute, 2 scale, 3 both. B = D^-1 P^T A P D
+// with the permutations and scaling factors in scale (LAPACK's encoding) and
+// the rows and columns ilo..ihi (0-based) the ones not isolated.
+template <class T>
+int32_t balance(const T* a, int32_t n, int32_t job, T* b, double* scale, int32_t* ilo, int32_t* ihi);
+// Back-transforms m eigenvectors (columns of the n x m v, in place) of a
+// balanced matrix into those of the original: side 0 right, 1 left.
+template <class T>
+int32_t balance_back(T* v, int32_t n, int32_t m, const double* scale, int32_t ilo, int32_t ihi, int32_t job, int32_t side);
+
 }  // namespace jq::linalg

@@ -288,3 +288,37 @@ TEST(Structured, SylvesterLyapunovAndBands) {
 }
 
 }  // namespace
+
+namespace {
+
+// Eigenvectors of the balanced matrix, carried back, are eigenvectors of A.
+TEST(Structured, BalanceAndBack) {
+  auto a = jqrt::Array2<double>::rows({{1, 100, 1e4}, {0.01, 2, 100}, {1e-4, 0.01, 3}});
+  jqrt::Array2<double> b;
+  jqrt::Array<double> scale;
+  int32_t lo, hi, st;
+  MatrixBalance_head(a.h(), 3, b.h(), scale.h(), &lo, &hi, &st);
+  EXPECT_EQ(st, 0);
+  ASSERT_EQ(b.rows(), 3);
+  EXPECT_EQ(lo, 0);
+  EXPECT_EQ(hi, 2);
+  double na = 0, nb = 0;
+  for (int i = 0; i < 9; ++i) na = std::max(na, std::abs(a.data()[i])), nb = std::max(nb, std::abs(b.data()[i]));
+  EXPECT_LT(nb, na / 10);
+  // B's spectrum is real, so its eigenvectors are too.
+  jqrt::Array<cd> w;
+  jqrt::Array2<cd> vc;
+  EigenValueVector_head(b.h(), w.h(), vc.h(), &st);
+  jqrt::Array2<double> v(3, 3);
+  for (int i = 0; i < 9; ++i) v.data()[i] = vc.data()[i].real();
+  EigenVBack_head(v.h(), scale.h(), lo, hi, 3, 0, &st);
+  EXPECT_EQ(st, 0);
+  auto av = mul(a.data(), v.data(), 3, 3, 3);
+  for (int i = 0; i < 3; ++i)
+    for (int j = 0; j < 3; ++j) EXPECT_NEAR(av[i * 3 + j], w.data()[j].real() * v.data()[i * 3 + j], 1e-9 * na);
+  EigenVBack_head(v.h(), scale.h(), lo, 3, 3, 0, &st);
+  EXPECT_EQ(st, -20061);
+  EXPECT_EQ(v.rows(), 0);
+}
+
+}  // namespace
