@@ -273,6 +273,11 @@ JQ_API int32_t CxMatrixBalance_head(JQ_IN JQMatC128 a, int32_t job, JQ_OUT JQMat
 JQ_API int32_t EigenVBack_head(JQ_INOUT JQMatF64 vectors, JQ_IN JQArrF64 scale, int32_t ilo, int32_t ihi, int32_t job, int32_t side, JQ_OUT int32_t* status);
 JQ_API int32_t CxEigenVBack_head(JQ_INOUT JQMatC128 vectors, JQ_IN JQArrF64 scale, int32_t ilo, int32_t ihi, int32_t job, int32_t side, JQ_OUT int32_t* status);
 
+/* Generalized real Schur form of a pair of n x n matrices: A = Q S Z^T,
+ * B = Q T Z^T (S quasi upper triangular, T upper triangular); the
+ * generalized eigenvalues are alpha / beta. B of another size: -20070. */
+JQ_API int32_t QZ_head(JQ_IN JQMatF64 a, JQ_IN JQMatF64 b, JQ_OUT JQMatF64 s, JQ_OUT JQMatF64 t, JQ_OUT JQMatF64 q, JQ_OUT JQMatF64 z, JQ_OUT JQArrC128 alpha, JQ_OUT JQArrF64 beta, JQ_OUT int32_t* status);
+
 #ifdef __cplusplus
 }
 #endif

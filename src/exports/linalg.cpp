@@ -1111,3 +1111,22 @@ JQ_EXPORT int32_t CxEigenVBack_head(JQMatC128 vectors, JQArrF64 scale, int32_t i
                                     int32_t* status) {
   return balance_back_export<cdouble>(vectors, scale, ilo, ihi, job, side, status);
 }
+
+JQ_EXPORT int32_t QZ_head(JQMatF64 a, JQMatF64 b, JQMatF64 s, JQMatF64 t, JQMatF64 q, JQMatF64 z, JQArrC128 alpha,
+                          JQArrF64 beta, int32_t* status) {
+  clear(status);
+  Mat<double> x(a), y(b);
+  Out2<double> so(s), to(t), qo(q), zo(z);
+  Out<cdouble> ao(alpha);
+  Out<double> bo(beta);
+  Outputs out(so, to, qo, zo, ao, bo);
+  if (x.empty() || y.empty()) return out.report(kEmptyInput, status);
+  if (x.rows() != x.cols()) return out.report(kDimMismatch, status);
+  if (y.rows() != y.cols() || y.rows() != x.rows()) return out.report(kDimMismatch2, status);
+  if (non_finite(x) || non_finite(y)) return out.report(kNonFiniteMatrix, status);
+  const int32_t n = x.rows();
+  if (!out.size(so, n, n) || !out.size(to, n, n) || !out.size(qo, n, n) || !out.size(zo, n, n) || !out.size(ao, n) ||
+      !out.size(bo, n))
+    return out.report(kNoMemory, status);
+  return out.report(qz(x.data(), y.data(), n, so.data(), to.data(), qo.data(), zo.data(), ao.data(), bo.data()), status);
+}

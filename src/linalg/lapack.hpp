@@ -109,6 +109,8 @@ void sig_dgebal(const char*, const I*, double*, const I*, I*, I*, double*, I*);
 void sig_zgebal(const char*, const I*, cdouble*, const I*, I*, I*, double*, I*);
 void sig_dgebak(const char*, const char*, const I*, const I*, const I*, const double*, const I*, double*, const I*, I*);
 void sig_zgebak(const char*, const char*, const I*, const I*, const I*, const double*, const I*, cdouble*, const I*, I*);
+void sig_dgges(const char*, const char*, const char*, void*, const I*, double*, const I*, double*, const I*, I*,
+               double*, double*, double*, double*, const I*, double*, const I*, double*, const I*, I*, I*);
 
 // Per-type names of the operations written once for real and complex data.
 template <class T> struct Blas;

@@ -232,6 +232,33 @@ int32_t balance_back(T* v, int32_t n, int32_t m, const double* scale, int32_t il
   return kOk;
 }
 
+int32_t qz(const double* a, const double* b, int32_t n, double* s, double* t, double* q, double* z, cdouble* alpha,
+           double* beta) {
+  if (int32_t rc = ready()) return rc;
+  const int64_t nn = int64_t{n} * n;
+  Buffer<double> ac, bc, qc, zc, ar, ai, work;
+  Scratch<I> bwork;
+  if (to_column_major(a, n, n, ac, n) || to_column_major(b, n, n, bc, n) || qc.allocate(nn) || zc.allocate(nn) ||
+      ar.allocate(n) || ai.allocate(n) || bwork.allocate(n))
+    return kNoMemory;
+  I sdim = 0, info = 0;
+  const I minus1 = -1;
+  double query = 0;
+  JQ_CALL(dgges, "V", "V", "N", nullptr, &n, ac.data(), &n, bc.data(), &n, &sdim, ar.data(), ai.data(), beta,
+          qc.data(), &n, zc.data(), &n, &query, &minus1, bwork.data(), &info);
+  const I lwork = workspace(query);
+  if (work.allocate(lwork)) return kNoMemory;
+  JQ_CALL(dgges, "V", "V", "N", nullptr, &n, ac.data(), &n, bc.data(), &n, &sdim, ar.data(), ai.data(), beta,
+          qc.data(), &n, zc.data(), &n, work.data(), &lwork, bwork.data(), &info);
+  if (info > 0) return kNoConvergence;
+  for (int32_t j = 0; j < n; ++j) alpha[j] = {ar[j], ai[j]};
+  from_column_major(ac.data(), n, n, n, s);
+  from_column_major(bc.data(), n, n, n, t);
+  from_column_major(qc.data(), n, n, n, q);
+  from_column_major(zc.data(), n, n, n, z);
+  return kOk;
+}
+
 #define JQ_INSTANTIATE(T)                                                                     \
   template int32_t lu_solve(const T*, const int32_t*, int32_t, const T*, T*);                 \
   template int32_t lu_inverse(const T*, const int32_t*, int32_t, T*);                         \

@@ -53,4 +53,10 @@ int32_t balance(const T* a, int32_t n, int32_t job, T* b, double* scale, int32_t
 template <class T>
 int32_t balance_back(T* v, int32_t n, int32_t m, const double* scale, int32_t ilo, int32_t ihi, int32_t job, int32_t side);
 
+// Generalized real Schur form of the pair (A, B): A = Q S Z^T, B = Q T Z^T
+// with S quasi upper triangular, T upper triangular, Q and Z orthogonal; the
+// generalized eigenvalues are alpha[j] / beta[j].
+int32_t qz(const double* a, const double* b, int32_t n, double* s, double* t, double* q, double* z, cdouble* alpha,
+           double* beta);
+
 }  // namespace jq::linalg

@@ -322,3 +322,41 @@ TEST(Structured, BalanceAndBack) {
 }
 
 }  // namespace
+
+namespace {
+
+// A = Q S Z^T and B = Q T Z^T; alpha / beta are the eigenvalues of B^-1 A.
+TEST(Structured, GeneralizedSchur) {
+  auto a = jqrt::Array2<double>::rows({{1, 2, 0}, {-3, 1, 4}, {2, 0, 1}});
+  auto b = jqrt::Array2<double>::rows({{2, 0, 1}, {1, 3, 0}, {0, 1, 4}});
+  jqrt::Array2<double> s, t, q, z;
+  jqrt::Array<cd> alpha;
+  jqrt::Array<double> beta;
+  int32_t st;
+  QZ_head(a.h(), b.h(), s.h(), t.h(), q.h(), z.h(), alpha.h(), beta.h(), &st);
+  EXPECT_EQ(st, 0);
+  ASSERT_EQ(beta.rows(), 3);
+  for (auto [m, f] : {std::pair{&a, &s}, std::pair{&b, &t}}) {
+    auto qf = mul(q.data(), f->data(), 3, 3, 3);
+    std::vector<double> zt(9);
+    for (int i = 0; i < 3; ++i)
+      for (int j = 0; j < 3; ++j) zt[i * 3 + j] = z.data()[j * 3 + i];
+    auto r = mul(qf.data(), zt.data(), 3, 3, 3);
+    for (int i = 0; i < 9; ++i) EXPECT_NEAR(r[i], m->data()[i], 1e-13);
+  }
+  for (int i = 1; i < 3; ++i) EXPECT_EQ(t.data()[i * 3 + i - 1], 0.0);
+  // det(A - lambda B) = 0 for each generalized eigenvalue.
+  for (int k = 0; k < 3; ++k) {
+    const cd l = alpha.data()[k] / beta.data()[k];
+    cd m[9];
+    for (int i = 0; i < 9; ++i) m[i] = a.data()[i] - l * b.data()[i];
+    const cd det = m[0] * (m[4] * m[8] - m[5] * m[7]) - m[1] * (m[3] * m[8] - m[5] * m[6]) + m[2] * (m[3] * m[7] - m[4] * m[6]);
+    EXPECT_NEAR(std::abs(det), 0, 1e-12 * (1 + std::norm(l)));
+  }
+  jqrt::Array2<double> small(2, 2);
+  QZ_head(a.h(), small.h(), s.h(), t.h(), q.h(), z.h(), alpha.h(), beta.h(), &st);
+  EXPECT_EQ(st, -20070);
+  EXPECT_EQ(alpha.rows(), 0);
+}
+
+}  // namespace
