@@ -42,6 +42,9 @@ enum Code : int32_t {
 
   // Codes raised by particular routines are added below, grouped by subsystem.
 
+  // Statistics: probability distributions.
+  kDegreesOfFreedom = -20052,   // degrees of freedom below 1 (below 0 for the chi-square CDF)
+
   // Signal generation: waveforms and patterns.
   kRampExcludedEmpty = -20005,  // a ramp without its end point needs at least one sample
   kNonPositiveDuty = -20011,    // a square pattern's duty cycle is zero or negative
@@ -55,6 +58,25 @@ enum Code : int32_t {
   kZeroNormOrder = -20141,      // p = 0 in a vector norm
   kWarnRankDeficient = 20001,   // warning: least-squares solution of a rank-deficient system
   kWarnSingularLU = 20003,      // warning: an exactly zero pivot in an LU factor
+
+  // Filters: IIR and FIR design and filtering.
+  kCutoffAboveNyquist = -20020,      // a cut-off or band edge above half the sampling rate
+  kBadCutoff = -20023,               // fs, a cut-off, band edge, weight or desired value bad, or edges out of order
+  kBadRipple = -20024,               // a passband ripple not positive
+  kBadAttenuation = -20025,          // a stopband attenuation not positive
+  kAttenuationBelowRipple = -20028,  // an elliptic attenuation not above its ripple
+  kCoefficientLength = -20066,       // coefficient or state lengths that do not fit the sections
+
+  // Measurements: state levels.
+  kConstantSignal = -20309,     // every sample equal: a histogram has no width
+  kNoLevelSamples = -20312,     // no samples to take levels from
+  kBadSampleInterval = -20315,  // the sample interval is not above 0
+  kBadLevelMethod = -20316,     // a level method other than 0, 1 or 2
+  kBadBinCount = -20317,        // fewer than 1 histogram bin
+  kWarnWeakState = 20021,       // warning: a state's mode holds under 5 % of the samples
+
+  // FIR design.
+  kDesignFailed = -20031,       // too few taps, non-finite input, inconsistent bands, no convergence
 };
 
 }  // namespace jq
