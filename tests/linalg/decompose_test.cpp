@@ -236,9 +236,11 @@ TEST(Decompose, SmallMembers) {
     vectorNormH(w.h(), c.p, 0, &v, &st);
     EXPECT_NEAR(v, c.norm, 1e-14) << c.p;
   }
-  vectorNormH(w.h(), 0, 0, &v, &st);
+  jqrt::Array<double> rejected{3, -4, 1};
+  vectorNormH(rejected.h(), 0, 0, &v, &st);
   EXPECT_EQ(st, -20141);
   EXPECT_TRUE(std::isnan(v));
+  EXPECT_EQ(rejected.rows(), 0);  // normalised in place, so emptied on failure
   vectorNormH(w.h(), 1, 1, &v, &st);
   EXPECT_EQ(w.values(), (std::vector<double>{3.0 / 8, -4.0 / 8, 1.0 / 8}));
   // Singular: condition +infinity with status 0; rank of zeros with the default tolerance.
