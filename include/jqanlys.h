@@ -69,5 +69,7 @@ typedef struct JQErrorCluster {
 #include "jqanlys/windows.h"
 #include "jqanlys/dct.h"
 #include "jqanlys/linalg.h"
+#include "jqanlys/fitting.h"
+#include "jqanlys/geometry.h"
 
 #endif

@@ -1,0 +1,4 @@
+/* Curve fitting. */
+#ifndef JQANLYS_FITTING_H
+#define JQANLYS_FITTING_H
+#endif
