@@ -1,4 +1,64 @@
-/* Curve fitting. */
+/* Curve fitting: least squares with method codes, straight lines,
+ * polynomials with fixed coefficients, general linear models, exponential,
+ * power and logarithmic curves, robust fits, goodness of fit and bounds.
+ *
+ * Exports return their status (0, a negative error, or a positive warning
+ * whose outputs are valid: 20001 rank-deficient solution, 20031 constrained
+ * polynomial of order above 25), except the Coef members, which store it in
+ * the trailing `status` and return 0. On an error every array output is
+ * emptied and every scalar output is NaN.
+ *
+ * Method codes: 0 SVD, 1-3 QR (identical), 4 normal equations by LU,
+ * 5 normal equations by Cholesky, 6 SVD dropping singular values at or
+ * below rows * sigma_max * 2.220446049250313e-16; others -20061.
+ * Weights (count 0 for none, or n) are used by absolute value: the fit
+ * minimises sum |w_i| (y_i - f_i)^2 and the MSE is that sum over n.
+ *
+ * Codes: -20001 memory; -20002 lengths differ; -20003 empty input; -20006
+ * fewer than 2 points; -20021 no columns; -20027 data outside a logarithm's
+ * domain; -20037 fewer points than free coefficients; -20041 singular
+ * system (QR, LU); -20052 bad degrees of freedom; -20053 confidence level
+ * outside (0, 1); -20061 bad method; -20062 SVD did not converge; -20068 NaN
+ * or infinite input; -20071 normal matrix not positive definite (Cholesky);
+ * -20103 negative order; -20104 NaN residual in a robust fit; -20116 robust
+ * fit failed; -20141 exactly n - 1 zero weights (straight line). */
 #ifndef JQANLYS_FITTING_H
 #define JQANLYS_FITTING_H
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/* y = slope x + intercept by weighted sums. */
+JQ_API int32_t LinFit_head(JQ_IN JQArrF64 y, JQ_IN JQArrF64 x, JQ_IN JQArrF64 weights, JQ_OUT JQArrF64 best_fit, JQ_OUT double* slope, JQ_OUT double* intercept, JQ_OUT double* mse);
+JQ_API int32_t LinFitCoef_head(JQ_IN JQArrF64 y, JQ_IN JQArrF64 x, JQ_OUT double* slope, JQ_OUT double* intercept, JQ_OUT int32_t* status);
+JQ_API int32_t LinFitCoef80_head(JQ_IN JQArrF64 y, JQ_IN JQArrF64 x, JQ_IN JQArrF64 weights, JQ_OUT double* slope, JQ_OUT double* intercept, JQ_OUT int32_t* status);
+
+/* Polynomial of the given order; coefficient k multiplies x^k. Fixed
+ * coefficients: powers (indices outside 0..order ignored) and their values. */
+JQ_API int32_t PolyFit_head(JQ_IN JQArrF64 x, JQ_IN JQArrF64 y, int32_t order, int32_t method, JQ_OUT JQArrF64 best_fit, JQ_OUT JQArrF64 coefficients, JQ_OUT double* mse);
+JQ_API int32_t PolyFit80_head(JQ_IN JQArrF64 x, JQ_IN JQArrF64 y, int32_t order, int32_t method, JQ_IN JQArrI32 fixed_powers, JQ_IN JQArrF64 fixed_values, JQ_OUT JQArrF64 best_fit, JQ_OUT JQArrF64 coefficients, JQ_OUT double* mse);
+JQ_API int32_t PolyFit81_head(JQ_IN JQArrF64 x, JQ_IN JQArrF64 y, int32_t order, JQ_IN JQArrF64 weights, int32_t method, JQ_IN JQArrI32 fixed_powers, JQ_IN JQArrF64 fixed_values, JQ_OUT JQArrF64 best_fit, JQ_OUT JQArrF64 coefficients, JQ_OUT double* mse);
+
+/* General linear model: design is n x m, row i the m basis functions at
+ * point i. covariance (m x m) is the unscaled (A^T W A)^-1. */
+JQ_API int32_t GenLSFit_head(JQ_IN JQMatF64 design, JQ_IN JQArrF64 y, int32_t method, JQ_OUT JQArrF64 best_fit, JQ_OUT JQArrF64 coefficients, JQ_OUT double* mse, JQ_OUT JQMatF64 covariance);
+JQ_API int32_t GenLSFit80_head(JQ_IN JQMatF64 design, JQ_IN JQArrF64 y, JQ_IN JQArrF64 weights, int32_t method, JQ_OUT JQArrF64 best_fit, JQ_OUT JQArrF64 coefficients, JQ_OUT double* mse, JQ_OUT JQMatF64 covariance);
+
+/* y = a e^(b x); std_dev (count 0 or n) weighs point i by 1/sd_i^2 (a zero
+ * deviation by 1). Start from the fit of ln|y|, refined to the least-squares
+ * optimum. All y of one sign and non-zero, else -20027. */
+JQ_API int32_t ExpFit_head(JQ_IN JQArrF64 y, JQ_IN JQArrF64 x, JQ_OUT JQArrF64 best_fit, JQ_OUT double* a, JQ_OUT double* b, JQ_OUT double* mse);
+JQ_API int32_t ExpFit80_head(JQ_IN JQArrF64 y, JQ_IN JQArrF64 x, JQ_IN JQArrF64 std_dev, JQ_OUT JQArrF64 best_fit, JQ_OUT double* a, JQ_OUT double* b, JQ_OUT double* mse);
+JQ_API int32_t ExpFitCoef_head(JQ_IN JQArrF64 y, JQ_IN JQArrF64 x, JQ_OUT double* a, JQ_OUT double* b, JQ_OUT int32_t* status);
+JQ_API int32_t ExpFitCoef80_head(JQ_IN JQArrF64 y, JQ_IN JQArrF64 x, JQ_IN JQArrF64 std_dev, JQ_OUT double* a, JQ_OUT double* b, JQ_OUT int32_t* status);
+/* y = a x^b; x > 0 and y of one sign, else -20027. */
+JQ_API int32_t PowerFit_head(JQ_IN JQArrF64 y, JQ_IN JQArrF64 x, JQ_OUT JQArrF64 best_fit, JQ_OUT double* a, JQ_OUT double* b, JQ_OUT double* mse);
+JQ_API int32_t PowerFitCoef_head(JQ_IN JQArrF64 y, JQ_IN JQArrF64 x, JQ_OUT double* a, JQ_OUT double* b, JQ_OUT int32_t* status);
+/* y = a + b ln x; x > 0, else -20027. */
+JQ_API int32_t LogFit_head(JQ_IN JQArrF64 y, JQ_IN JQArrF64 x, JQ_OUT JQArrF64 best_fit, JQ_OUT double* a, JQ_OUT double* b, JQ_OUT double* mse);
+JQ_API int32_t LogFitCoef_head(JQ_IN JQArrF64 y, JQ_IN JQArrF64 x, JQ_OUT double* a, JQ_OUT double* b, JQ_OUT int32_t* status);
+
+#ifdef __cplusplus
+}
+#endif
 #endif

@@ -55,6 +55,14 @@ enum Code : int32_t {
   kZeroNormOrder = -20141,      // p = 0 in a vector norm
   kWarnRankDeficient = 20001,   // warning: least-squares solution of a rank-deficient system
   kWarnSingularLU = 20003,      // warning: an exactly zero pivot in an LU factor
+
+  // Curve fitting.
+  kFewerPointsThanCoefs = -20037,  // fewer points than free coefficients
+  kBadDegreesOfFreedom = -20052,   // degrees of freedom at or above the point count, or below 1
+  kNegativeOrder = -20103,         // a polynomial order below 0
+  kRobustFailed = -20116,          // too many points weighted to zero, or a non-finite MSE
+  kAllButOneWeightZero = -20141,   // exactly n - 1 zero weights in a straight-line fit
+  kWarnHighOrder = 20031,          // warning: constrained polynomial of order above 25
 };
 
 }  // namespace jq

@@ -1,0 +1,241 @@
+// Curve-fitting exports. Most return their status; the Coef members store it
+// in a trailing argument. On an error every array output is emptied and
+// every scalar output (coefficients, MSE, goodness figures) reads NaN.
+#include <cmath>
+#include <limits>
+
+#include "fitting/lsq.hpp"
+#include "frame/export.hpp"
+#include "jqanlys.h"
+#include "linalg/frame.hpp"
+
+using namespace jq;
+using namespace jq::fit;
+
+namespace {
+
+using In = Array1<const double>;
+constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
+
+bool non_finite(const In& a) { return linalg::has_non_finite(a.data(), a.size()); }
+// Weights given or not: count 0, or the point count.
+bool bad_weights(const In& w, int32_t n) { return w.size() != 0 && w.size() != n; }
+const double* weights_or_null(const In& w) { return w.size() > 0 ? w.data() : nullptr; }
+
+// Sets the scalar outputs to NaN when the code is an error; returns the code.
+template <class... D> int32_t scalars(int32_t code, D*... s) {
+  if (code < 0) ((s ? (void)(*s = kNaN) : (void)0), ...);
+  return code;
+}
+
+// Shared checks of a data set (X, Y, optional weights): lengths, then the
+// minimum count, then finiteness.
+int32_t data_checks(const In& x, const In& y, const In& w, int32_t min_n, int32_t short_code) {
+  if (x.size() != y.size() || bad_weights(w, y.size())) return kLengthMismatch;
+  if (y.size() < min_n) return short_code;
+  return non_finite(x) || non_finite(y) || non_finite(w) ? kNonFiniteMatrix : kOk;
+}
+
+// --- straight line -------------------------------------------------------
+
+int32_t line_checks(const In& x, const In& y, const In& w) {
+  if (x.size() != y.size() || bad_weights(w, y.size())) return kLengthMismatch;
+  if (y.size() < 2) return kFewerThan2;
+  if (w.size() == 0) return kOk;
+  int32_t zeros = 0;
+  for (int32_t i = 0; i < w.size(); ++i) {
+    if (std::isnan(w[i])) return kNonFiniteMatrix;
+    zeros += w[i] == 0.0;
+  }
+  // Only exactly n - 1 zeros is refused; all zeros pass, as they always have.
+  return zeros == y.size() - 1 ? kAllButOneWeightZero : kOk;
+}
+
+int32_t line_export(Handle yh, Handle xh, Handle wh, Handle fit, double* slope, double* intercept, double* mse) {
+  In y(yh), x(xh), w(wh);
+  Out<double> f(fit);
+  Outputs out(f);
+  int32_t code = line_checks(x, y, w);
+  if (!code && !out.size(f, y.size())) code = kNoMemory;
+  double b = kNaN, c = kNaN, e = kNaN;
+  if (!code) code = line_fit(x.data(), y.data(), weights_or_null(w), y.size(), &b, &c, f.data(), &e);
+  if (slope) *slope = b;
+  if (intercept) *intercept = c;
+  if (mse) *mse = e;
+  return scalars(out.finish(code), slope, intercept, mse);
+}
+
+int32_t line_coef_export(Handle yh, Handle xh, Handle wh, double* slope, double* intercept, int32_t* status) {
+  In y(yh), x(xh), w(wh);
+  int32_t code = line_checks(x, y, w);
+  double b = kNaN, c = kNaN;
+  if (!code) code = line_fit(x.data(), y.data(), weights_or_null(w), y.size(), &b, &c, nullptr, nullptr);
+  if (slope) *slope = b;
+  if (intercept) *intercept = c;
+  if (status) *status = scalars(code, slope, intercept);
+  return 0;
+}
+
+// --- polynomial ----------------------------------------------------------
+
+int32_t poly_export(Handle xh, Handle yh, int32_t order, Handle wh, int32_t method, Handle idx, Handle vals,
+                    Handle fit, Handle coef, double* mse) {
+  In x(xh), y(yh), w(wh), v(vals);
+  Array1<const int32_t> k(idx);
+  Out<double> f(fit), c(coef);
+  Outputs out(f, c);
+  const int32_t n = y.size();
+  int32_t code = x.size() != n || bad_weights(w, n) || k.size() != v.size() ? kLengthMismatch : kOk;
+  if (!code && order < 0) code = kNegativeOrder;
+  if (!code && int64_t{n} <= int64_t{order} - std::max(k.size(), 0)) code = kFewerPointsThanCoefs;
+  if (!code && (non_finite(x) || non_finite(y) || non_finite(w) || non_finite(v))) code = kNonFiniteMatrix;
+  if (!code && order >= 0x7FFFFFFF) code = kNoMemory;
+  if (!code && (!out.size(f, n) || !out.size(c, order + 1))) code = kNoMemory;
+  Scratch<double> fixed;
+  if (!code && k.size() > 0) {
+    if (fixed.allocate(size_t(order) + 1)) {
+      code = kNoMemory;
+    } else {
+      for (int32_t p = 0; p <= order; ++p) fixed[p] = kNaN;
+      // Indices outside 0..order are ignored.
+      for (int32_t i = 0; i < k.size(); ++i)
+        if (k[i] >= 0 && k[i] <= order) fixed[k[i]] = v[i];
+    }
+  }
+  double e = kNaN;
+  if (!code) {
+    code = poly_fit(x.data(), y.data(), weights_or_null(w), n, order, fixed.data(), method, c.data(), f.data(), &e);
+    if (code == kOk && k.size() > 0 && order > 25) code = kWarnHighOrder;
+  }
+  if (mse) *mse = e;
+  return scalars(out.finish(code), mse);
+}
+
+// --- general linear ------------------------------------------------------
+
+int32_t general_export(Handle design, Handle yh, Handle wh, int32_t method, Handle fit, Handle coef, double* mse,
+                       Handle cov) {
+  Array2<const double> a(design);
+  In y(yh), w(wh);
+  Out<double> f(fit), c(coef);
+  Out2<double> v(cov);
+  Outputs out(f, c, v);
+  const int32_t n = y.size(), m = a.cols();
+  int32_t code = a.rows() != n || bad_weights(w, n) ? kLengthMismatch : kOk;
+  if (!code && m < 1) code = kBadOrder;
+  if (!code && n < m) code = kFewerPointsThanCoefs;
+  if (!code && (method < 0 || method > 6)) code = kBadSelector;
+  if (!code && (linalg::has_non_finite(a.data(), int64_t{n} * m) || non_finite(y) || non_finite(w)))
+    code = kNonFiniteMatrix;
+  if (!code && (!out.size(f, n) || !out.size(c, m) || !out.size(v, m, m))) code = kNoMemory;
+  double e = kNaN;
+  if (!code)
+    code = solve_least_squares(a.data(), n, m, y.data(), weights_or_null(w), method, c.data(), v.data(), f.data(),
+                               &e);
+  if (mse) *mse = e;
+  return scalars(out.finish(code), mse);
+}
+
+// --- exponential, power, logarithmic --------------------------------------
+
+// Standard deviations become weights 1/sigma^2, a zero deviation weight 1.
+int32_t deviations_to_weights(const In& sd, Scratch<double>& w) {
+  if (sd.size() < 1) return kOk;
+  if (w.allocate(sd.size())) return kNoMemory;
+  for (int32_t i = 0; i < sd.size(); ++i) w[i] = sd[i] == 0.0 ? 1.0 : 1.0 / (sd[i] * sd[i]);
+  return kOk;
+}
+
+// Fits after the checks; fit has room for every point.
+int32_t curve_run(Curve kind, const In& y, const In& x, const In& sd, double* fit, double* a, double* b,
+                  double* mse) {
+  Scratch<double> w;
+  int32_t code = deviations_to_weights(sd, w);
+  double ca = kNaN, cb = kNaN, e = kNaN;
+  if (!code) code = curve_fit(kind, x.data(), y.data(), w.data(), y.size(), 1e-10, &ca, &cb, fit, &e);
+  if (a) *a = ca;
+  if (b) *b = cb;
+  if (mse) *mse = e;
+  return scalars(code, a, b, mse);
+}
+
+int32_t curve_export(Curve kind, Handle yh, Handle xh, Handle sdh, Handle fit, double* a, double* b, double* mse) {
+  In y(yh), x(xh), sd(sdh);
+  Out<double> f(fit);
+  Outputs out(f);
+  int32_t code = data_checks(x, y, sd, 2, kFewerThan2);
+  if (!code && !out.size(f, y.size())) code = kNoMemory;
+  if (code) return scalars(out.fail(code), a, b, mse);
+  return out.finish(curve_run(kind, y, x, sd, f.data(), a, b, mse));
+}
+
+int32_t curve_coef_export(Curve kind, Handle yh, Handle xh, Handle sdh, double* a, double* b, int32_t* status) {
+  In y(yh), x(xh), sd(sdh);
+  int32_t code = data_checks(x, y, sd, 2, kFewerThan2);
+  Scratch<double> fit;
+  if (!code && fit.allocate(y.size())) code = kNoMemory;
+  code = code ? scalars(code, a, b) : curve_run(kind, y, x, sd, fit.data(), a, b, nullptr);
+  if (status) *status = code;
+  return 0;
+}
+
+}  // namespace
+
+JQ_EXPORT int32_t LinFit_head(Handle y, Handle x, Handle w, Handle fit, double* slope, double* intercept,
+                              double* mse) {
+  return line_export(y, x, w, fit, slope, intercept, mse);
+}
+JQ_EXPORT int32_t LinFitCoef_head(Handle y, Handle x, double* slope, double* intercept, int32_t* status) {
+  return line_coef_export(y, x, nullptr, slope, intercept, status);
+}
+JQ_EXPORT int32_t LinFitCoef80_head(Handle y, Handle x, Handle w, double* slope, double* intercept,
+                                    int32_t* status) {
+  return line_coef_export(y, x, w, slope, intercept, status);
+}
+
+JQ_EXPORT int32_t PolyFit_head(Handle x, Handle y, int32_t order, int32_t method, Handle fit, Handle coef,
+                               double* mse) {
+  return poly_export(x, y, order, nullptr, method, nullptr, nullptr, fit, coef, mse);
+}
+JQ_EXPORT int32_t PolyFit80_head(Handle x, Handle y, int32_t order, int32_t method, Handle idx, Handle vals,
+                                 Handle fit, Handle coef, double* mse) {
+  return poly_export(x, y, order, nullptr, method, idx, vals, fit, coef, mse);
+}
+JQ_EXPORT int32_t PolyFit81_head(Handle x, Handle y, int32_t order, Handle w, int32_t method, Handle idx,
+                                 Handle vals, Handle fit, Handle coef, double* mse) {
+  return poly_export(x, y, order, w, method, idx, vals, fit, coef, mse);
+}
+
+JQ_EXPORT int32_t GenLSFit_head(Handle design, Handle y, int32_t method, Handle fit, Handle coef, double* mse,
+                                Handle cov) {
+  return general_export(design, y, nullptr, method, fit, coef, mse, cov);
+}
+JQ_EXPORT int32_t GenLSFit80_head(Handle design, Handle y, Handle w, int32_t method, Handle fit, Handle coef,
+                                  double* mse, Handle cov) {
+  return general_export(design, y, w, method, fit, coef, mse, cov);
+}
+
+JQ_EXPORT int32_t ExpFit_head(Handle y, Handle x, Handle fit, double* a, double* b, double* mse) {
+  return curve_export(kExponential, y, x, nullptr, fit, a, b, mse);
+}
+JQ_EXPORT int32_t ExpFit80_head(Handle y, Handle x, Handle sd, Handle fit, double* a, double* b, double* mse) {
+  return curve_export(kExponential, y, x, sd, fit, a, b, mse);
+}
+JQ_EXPORT int32_t ExpFitCoef_head(Handle y, Handle x, double* a, double* b, int32_t* status) {
+  return curve_coef_export(kExponential, y, x, nullptr, a, b, status);
+}
+JQ_EXPORT int32_t ExpFitCoef80_head(Handle y, Handle x, Handle sd, double* a, double* b, int32_t* status) {
+  return curve_coef_export(kExponential, y, x, sd, a, b, status);
+}
+JQ_EXPORT int32_t PowerFit_head(Handle y, Handle x, Handle fit, double* a, double* b, double* mse) {
+  return curve_export(kPower, y, x, nullptr, fit, a, b, mse);
+}
+JQ_EXPORT int32_t PowerFitCoef_head(Handle y, Handle x, double* a, double* b, int32_t* status) {
+  return curve_coef_export(kPower, y, x, nullptr, a, b, status);
+}
+JQ_EXPORT int32_t LogFit_head(Handle y, Handle x, Handle fit, double* a, double* b, double* mse) {
+  return curve_export(kLogarithmic, y, x, nullptr, fit, a, b, mse);
+}
+JQ_EXPORT int32_t LogFitCoef_head(Handle y, Handle x, double* a, double* b, int32_t* status) {
+  return curve_coef_export(kLogarithmic, y, x, nullptr, a, b, status);
+}

@@ -1,0 +1,47 @@
+// Least-squares core of the fits: one solver with method codes, and the
+// models built on it (straight line, polynomial with fixed coefficients,
+// exponential, power and logarithmic curves).
+//
+// Routines take plain pointers; callers have checked lengths and finiteness.
+// Weights are used by absolute value; a null weight pointer means all 1.
+#pragma once
+#include <cstdint>
+
+namespace jq::fit {
+
+// Method codes of solve_least_squares.
+enum Method : int32_t { kSvd = 0, kQr1 = 1, kQr2 = 2, kQr3 = 3, kNormalLu = 4, kNormalCholesky = 5, kSvdCutoff = 6 };
+
+// (1/n) sum |w_i| (y_i - f_i)^2, evaluated as |w|((y - 2f) y + f^2).
+double weighted_mse(const double* y, const double* f, const double* w, int64_t n);
+
+// Coefficients c (cols) minimising sum |w_i| (y_i - (A c)_i)^2 for a
+// row-major rows x cols design A. Optional outputs (null to skip): the
+// covariance factor (cols x cols, unscaled), the best fit A c (rows) and its
+// weighted MSE (both or neither). kWarnRankDeficient when singular values
+// were dropped.
+int32_t solve_least_squares(const double* a, int32_t rows, int32_t cols, const double* y, const double* w,
+                            int32_t method, double* coef, double* cov, double* fit, double* mse);
+
+// Straight line by weighted sums; mse (may be null) uses the caller's weights.
+int32_t line_fit(const double* x, const double* y, const double* w, int32_t n, double* slope, double* intercept,
+                 double* fit, double* mse);
+
+// Polynomial of the given order; fixed (order + 1 entries, NaN = free) holds
+// the coefficients the caller fixed. fit (n) and coef (order + 1) are written.
+int32_t poly_fit(const double* x, const double* y, const double* w, int32_t n, int32_t order, const double* fixed,
+                 int32_t method, double* coef, double* fit, double* mse);
+// Row-major n x (order + 1) design of powers x^0 .. x^order.
+void vandermonde(const double* x, int64_t n, int32_t order, double* a);
+double poly_eval(const double* c, int32_t order, double x);
+
+// Curves with two coefficients: y = a e^(b x), y = a x^b, y = a + b ln x.
+enum Curve : int32_t { kExponential, kPower, kLogarithmic };
+// Fits a curve: a start from the log-linear fit, refined (exponential and
+// power) by damped Gauss-Newton to relative tolerance tol (<= 0: 1e-12).
+// kNonPositiveLog when the data leave the curve's domain.
+int32_t curve_fit(Curve kind, const double* x, const double* y, const double* w, int32_t n, double tol, double* a,
+                  double* b, double* fit, double* mse);
+double curve_eval(Curve kind, double a, double b, double x);
+
+}  // namespace jq::fit
