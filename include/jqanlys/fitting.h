@@ -58,6 +58,30 @@ JQ_API int32_t PowerFitCoef_head(JQ_IN JQArrF64 y, JQ_IN JQArrF64 x, JQ_OUT doub
 JQ_API int32_t LogFit_head(JQ_IN JQArrF64 y, JQ_IN JQArrF64 x, JQ_OUT JQArrF64 best_fit, JQ_OUT double* a, JQ_OUT double* b, JQ_OUT double* mse);
 JQ_API int32_t LogFitCoef_head(JQ_IN JQArrF64 y, JQ_IN JQArrF64 x, JQ_OUT double* a, JQ_OUT double* b, JQ_OUT int32_t* status);
 
+/* SSE = sum w (y - f)^2, R^2 = 1 - SSE/SST (SST about the plain mean of y;
+ * constant y: 1 when fitted exactly, else +infinity), RMSE = sqrt(SSE/dof).
+ * Weights are used with their sign. dof below 1 means n - 2; dof >= n:
+ * -20052. */
+JQ_API int32_t GoodnessOfFit_head(JQ_IN JQArrF64 y, JQ_IN JQArrF64 best_fit, JQ_IN JQArrF64 weights, int32_t dof, JQ_OUT double* sse, JQ_OUT double* r_squared, JQ_OUT double* rmse);
+
+/* Bounds at a confidence level in (0, 1): f -+ t s sqrt(h) for the curve
+ * (ConfBnd), f -+ t s sqrt(1/|w| + h) for a new observation (PredBnd), with
+ * s^2 = SSE/(n - m), h_i = a_i (A^T W A)^+ a_i^T and t the Student t quantile
+ * at 1 - (1 - level)/2 with n - m degrees of freedom (to 0.0001). The
+ * exponential, power and logarithmic members fit the curve first (weights
+ * as in the fits) and return its two coefficients (a, b); their design is
+ * the model's Jacobian at the optimum. */
+JQ_API int32_t ConfBndPoly_head(JQ_IN JQArrF64 x, JQ_IN JQArrF64 y, JQ_IN JQArrF64 weights, JQ_IN JQArrF64 coefficients, double level, JQ_OUT JQArrF64 lower, JQ_OUT JQArrF64 upper);
+JQ_API int32_t PredBndPoly_head(JQ_IN JQArrF64 x, JQ_IN JQArrF64 y, JQ_IN JQArrF64 weights, JQ_IN JQArrF64 coefficients, double level, JQ_OUT JQArrF64 lower, JQ_OUT JQArrF64 upper);
+JQ_API int32_t ConfBndLinear_head(JQ_IN JQArrF64 x, JQ_IN JQArrF64 y, JQ_IN JQArrF64 weights, double slope, double intercept, double level, JQ_OUT JQArrF64 lower, JQ_OUT JQArrF64 upper);
+JQ_API int32_t PredBndLinear_head(JQ_IN JQArrF64 x, JQ_IN JQArrF64 y, JQ_IN JQArrF64 weights, double slope, double intercept, double level, JQ_OUT JQArrF64 lower, JQ_OUT JQArrF64 upper);
+JQ_API int32_t ConfBndExp_head(JQ_IN JQArrF64 x, JQ_IN JQArrF64 y, JQ_IN JQArrF64 weights, double level, JQ_OUT JQArrF64 coefficients, JQ_OUT JQArrF64 lower, JQ_OUT JQArrF64 upper);
+JQ_API int32_t PredBndExp_head(JQ_IN JQArrF64 x, JQ_IN JQArrF64 y, JQ_IN JQArrF64 weights, double level, JQ_OUT JQArrF64 coefficients, JQ_OUT JQArrF64 lower, JQ_OUT JQArrF64 upper);
+JQ_API int32_t ConfBndPower_head(JQ_IN JQArrF64 x, JQ_IN JQArrF64 y, JQ_IN JQArrF64 weights, double level, JQ_OUT JQArrF64 coefficients, JQ_OUT JQArrF64 lower, JQ_OUT JQArrF64 upper);
+JQ_API int32_t PredBndPower_head(JQ_IN JQArrF64 x, JQ_IN JQArrF64 y, JQ_IN JQArrF64 weights, double level, JQ_OUT JQArrF64 coefficients, JQ_OUT JQArrF64 lower, JQ_OUT JQArrF64 upper);
+JQ_API int32_t ConfBndLog_head(JQ_IN JQArrF64 x, JQ_IN JQArrF64 y, JQ_IN JQArrF64 weights, double level, JQ_OUT JQArrF64 coefficients, JQ_OUT JQArrF64 lower, JQ_OUT JQArrF64 upper);
+JQ_API int32_t PredBndLog_head(JQ_IN JQArrF64 x, JQ_IN JQArrF64 y, JQ_IN JQArrF64 weights, double level, JQ_OUT JQArrF64 coefficients, JQ_OUT JQArrF64 lower, JQ_OUT JQArrF64 upper);
+
 #ifdef __cplusplus
 }
 #endif

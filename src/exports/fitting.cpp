@@ -4,6 +4,7 @@
 #include <cmath>
 #include <limits>
 
+#include "fitting/bounds.hpp"
 #include "fitting/lsq.hpp"
 #include "frame/export.hpp"
 #include "jqanlys.h"
@@ -179,6 +180,100 @@ int32_t curve_coef_export(Curve kind, Handle yh, Handle xh, Handle sdh, double* 
   return 0;
 }
 
+// --- goodness of fit and bounds -------------------------------------------
+
+int32_t goodness_export(Handle yh, Handle fh, Handle wh, int32_t dof, double* sse, double* r2, double* rmse) {
+  In y(yh), f(fh), w(wh);
+  const int32_t n = y.size();
+  int32_t code = n < 1 ? kEmptyInput : f.size() != n || bad_weights(w, n) ? kLengthMismatch : kOk;
+  if (!code && n < 2) code = kFewerThan2;
+  if (!code && dof >= n) code = kBadDegreesOfFreedom;
+  double e = kNaN, r = kNaN, q = kNaN;
+  if (!code) goodness_of_fit(y.data(), f.data(), weights_or_null(w), n, dof, &e, &r, &q);
+  if (sse) *sse = e;
+  if (r2) *r2 = r;
+  if (rmse) *rmse = q;
+  return scalars(code, sse, r2, rmse);
+}
+
+// Checks shared by the bound exports, in order: lengths, the coefficient
+// count (when the caller gives coefficients), the level, finite weights.
+int32_t bounds_checks(const In& x, const In& y, const In& w, int32_t coefs, double level) {
+  if (x.size() != y.size() || bad_weights(w, y.size())) return kLengthMismatch;
+  if (coefs < 1 || y.size() < 1) return kEmptyInput;
+  if (!(level > 0.0 && level < 1.0)) return kNotInUnitInterval;
+  return non_finite(w) ? kNonFiniteMatrix : kOk;
+}
+
+// Builds the n x m design (or Jacobian) and the fitted curve, then the bounds.
+template <class Build>
+int32_t bounds_run(const In& x, const In& y, const In& w, int32_t m, double level, bool predict, double* lo,
+                   double* up, Build build) {
+  const int32_t n = y.size();
+  Scratch<double> a, f;
+  if (a.allocate(size_t(n) * m) || f.allocate(n)) return kNoMemory;
+  if (const int32_t c = build(a.data(), f.data())) return c;
+  return fit_bounds(a.data(), n, m, y.data(), f.data(), weights_or_null(w), level, predict, lo, up);
+}
+
+int32_t poly_bounds_export(Handle xh, Handle yh, Handle wh, const double* c, int32_t m, double level, bool predict,
+                           Handle lower, Handle upper) {
+  In x(xh), y(yh), w(wh);
+  Out<double> lo(lower), up(upper);
+  Outputs out(lo, up);
+  int32_t code = bounds_checks(x, y, w, m, level);
+  if (!code && (!out.size(lo, y.size()) || !out.size(up, y.size()))) code = kNoMemory;
+  if (code) return out.fail(code);
+  return out.finish(bounds_run(x, y, w, m, level, predict, lo.data(), up.data(), [&](double* a, double* f) -> int32_t {
+    vandermonde(x.data(), x.size(), m - 1, a);
+    for (int32_t i = 0; i < x.size(); ++i) f[i] = poly_eval(c, m - 1, x[i]);
+    return kOk;
+  }));
+}
+
+int32_t poly_bounds(Handle x, Handle y, Handle w, Handle coef, double level, bool predict, Handle lo, Handle up) {
+  In c(coef);
+  return poly_bounds_export(x, y, w, c.data(), c.size(), level, predict, lo, up);
+}
+
+int32_t line_bounds(Handle x, Handle y, Handle w, double slope, double intercept, double level, bool predict,
+                    Handle lo, Handle up) {
+  const double c[2] = {intercept, slope};
+  return poly_bounds_export(x, y, w, c, 2, level, predict, lo, up);
+}
+
+// The curve is fitted first; its Jacobian at the optimum is the design.
+int32_t curve_bounds(Curve kind, Handle xh, Handle yh, Handle wh, double level, bool predict, Handle coef,
+                     Handle lower, Handle upper) {
+  In x(xh), y(yh), w(wh);
+  Out<double> co(coef), lo(lower), up(upper);
+  Outputs out(co, lo, up);
+  int32_t code = bounds_checks(x, y, w, 2, level);
+  if (!code && y.size() < 2) code = kFewerThan2;
+  if (!code && (non_finite(x) || non_finite(y))) code = kNonFiniteMatrix;
+  if (!code && (!out.size(co, 2) || !out.size(lo, y.size()) || !out.size(up, y.size()))) code = kNoMemory;
+  if (code) return out.fail(code);
+  return out.finish(bounds_run(x, y, w, 2, level, predict, lo.data(), up.data(), [&](double* a, double* f) -> int32_t {
+    double ca, cb;
+    const int32_t c = curve_fit(kind, x.data(), y.data(), weights_or_null(w), y.size(), 1e-10, &ca, &cb, f, nullptr);
+    if (c < 0) return c;
+    co.data()[0] = ca;
+    co.data()[1] = cb;
+    for (int32_t i = 0; i < x.size(); ++i) {
+      const double xi = x[i];
+      double* row = a + 2 * size_t(i);
+      if (kind == kLogarithmic) {
+        row[0] = 1.0;
+        row[1] = std::log(xi);
+      } else {
+        row[0] = kind == kExponential ? std::exp(cb * xi) : std::pow(xi, cb);
+        row[1] = ca * row[0] * (kind == kExponential ? xi : std::log(xi));
+      }
+    }
+    return kOk;
+  }));
+}
+
 }  // namespace
 
 JQ_EXPORT int32_t LinFit_head(Handle y, Handle x, Handle w, Handle fit, double* slope, double* intercept,
@@ -238,4 +333,42 @@ JQ_EXPORT int32_t LogFit_head(Handle y, Handle x, Handle fit, double* a, double*
 }
 JQ_EXPORT int32_t LogFitCoef_head(Handle y, Handle x, double* a, double* b, int32_t* status) {
   return curve_coef_export(kLogarithmic, y, x, nullptr, a, b, status);
+}
+
+JQ_EXPORT int32_t GoodnessOfFit_head(Handle y, Handle fit, Handle w, int32_t dof, double* sse, double* r2,
+                                     double* rmse) {
+  return goodness_export(y, fit, w, dof, sse, r2, rmse);
+}
+
+JQ_EXPORT int32_t ConfBndPoly_head(Handle x, Handle y, Handle w, Handle coef, double level, Handle lo, Handle up) {
+  return poly_bounds(x, y, w, coef, level, false, lo, up);
+}
+JQ_EXPORT int32_t PredBndPoly_head(Handle x, Handle y, Handle w, Handle coef, double level, Handle lo, Handle up) {
+  return poly_bounds(x, y, w, coef, level, true, lo, up);
+}
+JQ_EXPORT int32_t ConfBndLinear_head(Handle x, Handle y, Handle w, double slope, double intercept, double level,
+                                     Handle lo, Handle up) {
+  return line_bounds(x, y, w, slope, intercept, level, false, lo, up);
+}
+JQ_EXPORT int32_t PredBndLinear_head(Handle x, Handle y, Handle w, double slope, double intercept, double level,
+                                     Handle lo, Handle up) {
+  return line_bounds(x, y, w, slope, intercept, level, true, lo, up);
+}
+JQ_EXPORT int32_t ConfBndExp_head(Handle x, Handle y, Handle w, double level, Handle coef, Handle lo, Handle up) {
+  return curve_bounds(kExponential, x, y, w, level, false, coef, lo, up);
+}
+JQ_EXPORT int32_t PredBndExp_head(Handle x, Handle y, Handle w, double level, Handle coef, Handle lo, Handle up) {
+  return curve_bounds(kExponential, x, y, w, level, true, coef, lo, up);
+}
+JQ_EXPORT int32_t ConfBndPower_head(Handle x, Handle y, Handle w, double level, Handle coef, Handle lo, Handle up) {
+  return curve_bounds(kPower, x, y, w, level, false, coef, lo, up);
+}
+JQ_EXPORT int32_t PredBndPower_head(Handle x, Handle y, Handle w, double level, Handle coef, Handle lo, Handle up) {
+  return curve_bounds(kPower, x, y, w, level, true, coef, lo, up);
+}
+JQ_EXPORT int32_t ConfBndLog_head(Handle x, Handle y, Handle w, double level, Handle coef, Handle lo, Handle up) {
+  return curve_bounds(kLogarithmic, x, y, w, level, false, coef, lo, up);
+}
+JQ_EXPORT int32_t PredBndLog_head(Handle x, Handle y, Handle w, double level, Handle coef, Handle lo, Handle up) {
+  return curve_bounds(kLogarithmic, x, y, w, level, true, coef, lo, up);
 }
