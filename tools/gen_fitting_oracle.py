@@ -114,6 +114,82 @@ arr("bnd_y", by)
 arr("bnd_c", bc)
 arr("bnd_t", [stats.t.ppf(0.975, n - 4)])
 
+
+# Robust fits: the reweighting iterations written out step by step, each
+# weighted solve by numpy's lstsq, on a quadratic with outliers.
+
+
+def wls(a, y, w):
+    sw = np.sqrt(np.abs(w))
+    c = np.linalg.lstsq(a * sw[:, None], y * sw, rcond=None)[0]
+    f = a @ c
+    return c, f, np.mean(np.abs(w) * (y - f) ** 2)
+
+
+def lar(a, y, w0, tol, max_iter):
+    init = np.ones(len(y)) if w0 is None else w0
+    wr = 1.0 if w0 is None else w0
+    measure = lambda f: np.sum(np.abs((f - y) * wr))
+    c, f, _ = wls(a, y, init)
+    r0 = measure(f)
+    rp, rc, wp, wc = 2 * r0, r0, init, init
+    k = 0
+    while True:
+        if k > 0 and (k >= max_iter or abs(rp - rc) <= tol * rp or rp <= -1 or rc <= -1):
+            break
+        r = np.abs(y - f)
+        s = 0.01 * np.median(r)
+        s = 1e-7 if s == 0 else s
+        wn = init / np.maximum(s, r)
+        c, f, _ = wls(a, y, wn)
+        wp, wc, rp, rc = wc, wn, rc, measure(f)
+        k += 1
+    best, rb = wc, rc
+    if rp <= rb:
+        best, rb = wp, rp
+    if r0 <= rb:
+        best = init
+    return wls(a, y, best)
+
+
+def bisquare(a, y, w0, tol, max_iter):
+    n, m = a.shape
+    init = np.ones(n) if w0 is None else w0
+    c, f, mse = wls(a, y, init)
+    h = np.einsum("ij,jk,ik->i", a, np.linalg.pinv(a.T @ a), a)
+    d = np.where(h > 0.9999, 1 - 0.9999, 1 - h)
+    adj = np.sqrt((1.0 if w0 is None else np.abs(w0)) / d)
+    last, it = init, 0
+    while it < max_iter and not mse <= tol * 1e-4:
+        u = (y - f) * adj
+        mad = np.median(np.abs(u - np.median(u)))
+        assert mad > 0
+        t = u * 0.6745 / (4.685 * mad)
+        w = np.where(np.abs(t) < 1, (1 - t * t) ** 2, 0.0) * (1.0 if w0 is None else np.abs(w0))
+        assert np.sum(w == 0) < n - m
+        old = c
+        c, f, mse = wls(a, y, w)
+        last = w
+        it += 1
+        if it >= 2 and np.all(np.abs(c - old) <= tol * np.abs(c)):
+            break
+    return wls(a, y, last)
+
+
+rn = 30
+rx = np.linspace(-1, 2, rn)
+ry = 1.0 - 0.5 * rx + 0.8 * rx ** 2 + 0.05 * rng.standard_normal(rn)
+ry[[4, 17, 25]] += [3.0, -2.5, 4.0]
+ra = np.vander(rx, 3, increasing=True)
+rw = rng.uniform(0.5, 2.0, rn)
+arr("rob_x", rx)
+arr("rob_y", ry)
+arr("rob_w", rw)
+for name, fn, w0 in (("lar", lar, None), ("larw", lar, rw), ("bi", bisquare, None), ("biw", bisquare, rw)):
+    c, f, mse = fn(ra, ry, w0, 1e-6, 50)
+    arr("rob_%s_c" % name, c)
+    arr("rob_%s_mse" % name, [mse])
+
 path = os.path.join(os.path.dirname(__file__), "..", "tests", "fitting", "oracle.inc")
 with open(path, "w") as fh:
     fh.write("\n".join(out) + "\n")

@@ -82,6 +82,29 @@ JQ_API int32_t PredBndPower_head(JQ_IN JQArrF64 x, JQ_IN JQArrF64 y, JQ_IN JQArr
 JQ_API int32_t ConfBndLog_head(JQ_IN JQArrF64 x, JQ_IN JQArrF64 y, JQ_IN JQArrF64 weights, double level, JQ_OUT JQArrF64 coefficients, JQ_OUT JQArrF64 lower, JQ_OUT JQArrF64 upper);
 JQ_API int32_t PredBndLog_head(JQ_IN JQArrF64 x, JQ_IN JQArrF64 y, JQ_IN JQArrF64 weights, double level, JQ_OUT JQArrF64 coefficients, JQ_OUT JQArrF64 lower, JQ_OUT JQArrF64 upper);
 
+/* Robust fits by iteratively reweighted least squares around the method
+ * code. tolerance <= 0 means 0.0001; max_iter bounds the reweighting.
+ * LAR (least absolute residual): weights 1/max(0.01 median|r|, |r_i|)
+ * (times the caller's), stopping when the measure sum |(f - y) w| changes by
+ * at most tolerance relative; the best of the first, previous and last fits
+ * is returned. Bisquare: Tukey's weights of leverage-adjusted residuals
+ * scaled by their MAD (4.685, 0.6745); -20116 when too many points are
+ * weighted to zero. The MSE and covariance are those of the final weighted
+ * solve. The exponential and power members refit the curve at every step. */
+JQ_API int32_t GenLARFit_head(JQ_IN JQMatF64 design, JQ_IN JQArrF64 y, JQ_IN JQArrF64 weights, int32_t method, double tolerance, int32_t max_iter, JQ_OUT JQArrF64 best_fit, JQ_OUT JQArrF64 coefficients, JQ_OUT double* mse, JQ_OUT JQMatF64 covariance);
+JQ_API int32_t GenBisquareFit_head(JQ_IN JQMatF64 design, JQ_IN JQArrF64 y, int32_t method, double tolerance, int32_t max_iter, JQ_OUT JQArrF64 best_fit, JQ_OUT JQArrF64 coefficients, JQ_OUT double* mse, JQ_OUT JQMatF64 covariance);
+JQ_API int32_t GenBisquareFit_Weight_head(JQ_IN JQMatF64 design, JQ_IN JQArrF64 y, JQ_IN JQArrF64 weights, int32_t method, double tolerance, int32_t max_iter, JQ_OUT JQArrF64 best_fit, JQ_OUT JQArrF64 coefficients, JQ_OUT double* mse, JQ_OUT JQMatF64 covariance);
+JQ_API int32_t LARPolyFit_head(JQ_IN JQArrF64 x, JQ_IN JQArrF64 y, int32_t order, JQ_IN JQArrF64 weights, int32_t method, JQ_IN JQArrI32 fixed_powers, JQ_IN JQArrF64 fixed_values, double tolerance, int32_t max_iter, JQ_OUT JQArrF64 best_fit, JQ_OUT JQArrF64 coefficients, JQ_OUT double* mse);
+JQ_API int32_t BiPolyFit_head(JQ_IN JQArrF64 x, JQ_IN JQArrF64 y, int32_t order, JQ_IN JQArrF64 weights, int32_t method, JQ_IN JQArrI32 fixed_powers, JQ_IN JQArrF64 fixed_values, double tolerance, int32_t max_iter, JQ_OUT JQArrF64 best_fit, JQ_OUT JQArrF64 coefficients, JQ_OUT double* mse);
+JQ_API int32_t LARLinearFit_head(JQ_IN JQArrF64 y, JQ_IN JQArrF64 x, JQ_IN JQArrF64 weights, double tolerance, int32_t max_iter, JQ_OUT JQArrF64 best_fit, JQ_OUT double* slope, JQ_OUT double* intercept, JQ_OUT double* mse);
+JQ_API int32_t BiLinearFit_head(JQ_IN JQArrF64 y, JQ_IN JQArrF64 x, JQ_IN JQArrF64 weights, double tolerance, int32_t max_iter, JQ_OUT JQArrF64 best_fit, JQ_OUT double* slope, JQ_OUT double* intercept, JQ_OUT double* mse);
+JQ_API int32_t LARExpFit_head(JQ_IN JQArrF64 y, JQ_IN JQArrF64 x, JQ_IN JQArrF64 weights, double tolerance, int32_t max_iter, JQ_OUT JQArrF64 best_fit, JQ_OUT double* a, JQ_OUT double* b, JQ_OUT double* mse);
+JQ_API int32_t BiExpFit_head(JQ_IN JQArrF64 y, JQ_IN JQArrF64 x, JQ_IN JQArrF64 weights, double tolerance, int32_t max_iter, JQ_OUT JQArrF64 best_fit, JQ_OUT double* a, JQ_OUT double* b, JQ_OUT double* mse);
+JQ_API int32_t LARPowerFit_head(JQ_IN JQArrF64 y, JQ_IN JQArrF64 x, JQ_IN JQArrF64 weights, double tolerance, int32_t max_iter, JQ_OUT JQArrF64 best_fit, JQ_OUT double* a, JQ_OUT double* b, JQ_OUT double* mse);
+JQ_API int32_t BiPowerFit_head(JQ_IN JQArrF64 y, JQ_IN JQArrF64 x, JQ_IN JQArrF64 weights, double tolerance, int32_t max_iter, JQ_OUT JQArrF64 best_fit, JQ_OUT double* a, JQ_OUT double* b, JQ_OUT double* mse);
+JQ_API int32_t LARLogFit_head(JQ_IN JQArrF64 y, JQ_IN JQArrF64 x, JQ_IN JQArrF64 weights, double tolerance, int32_t max_iter, JQ_OUT JQArrF64 best_fit, JQ_OUT double* a, JQ_OUT double* b, JQ_OUT double* mse);
+JQ_API int32_t BiLogFit_head(JQ_IN JQArrF64 y, JQ_IN JQArrF64 x, JQ_IN JQArrF64 weights, double tolerance, int32_t max_iter, JQ_OUT JQArrF64 best_fit, JQ_OUT double* a, JQ_OUT double* b, JQ_OUT double* mse);
+
 #ifdef __cplusplus
 }
 #endif

@@ -6,6 +6,7 @@
 
 #include "fitting/bounds.hpp"
 #include "fitting/lsq.hpp"
+#include "fitting/robust.hpp"
 #include "frame/export.hpp"
 #include "jqanlys.h"
 #include "linalg/frame.hpp"
@@ -17,6 +18,14 @@ namespace {
 
 using In = Array1<const double>;
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
+
+// How a fit is solved: plain least squares, or a robust scheme with its
+// tolerance and iteration limit.
+struct FitScheme {
+  fit::Scheme kind = kLeastSquares;
+  double tol = 0.0;
+  int32_t max_iter = 0;
+};
 
 bool non_finite(const In& a) { return linalg::has_non_finite(a.data(), a.size()); }
 // Weights given or not: count 0, or the point count.
@@ -80,7 +89,7 @@ int32_t line_coef_export(Handle yh, Handle xh, Handle wh, double* slope, double*
 // --- polynomial ----------------------------------------------------------
 
 int32_t poly_export(Handle xh, Handle yh, int32_t order, Handle wh, int32_t method, Handle idx, Handle vals,
-                    Handle fit, Handle coef, double* mse) {
+                    Handle fit, Handle coef, double* mse, FitScheme scheme = {}) {
   In x(xh), y(yh), w(wh), v(vals);
   Array1<const int32_t> k(idx);
   Out<double> f(fit), c(coef);
@@ -105,7 +114,15 @@ int32_t poly_export(Handle xh, Handle yh, int32_t order, Handle wh, int32_t meth
   }
   double e = kNaN;
   if (!code) {
-    code = poly_fit(x.data(), y.data(), weights_or_null(w), n, order, fixed.data(), method, c.data(), f.data(), &e);
+    const DesignSolve solve = [&](const double* a, int32_t rows, int32_t cols, const double* yr, const double* wr,
+                                  double* cr) {
+      Scratch<double> fr;
+      double er;
+      if (fr.allocate(rows)) return int32_t{kNoMemory};
+      return design_fit(scheme.kind, a, rows, cols, yr, wr, method, scheme.tol, scheme.max_iter, cr, fr.data(), &er,
+                        nullptr);
+    };
+    code = poly_fit(x.data(), y.data(), weights_or_null(w), n, order, fixed.data(), solve, c.data(), f.data(), &e);
     if (code == kOk && k.size() > 0 && order > 25) code = kWarnHighOrder;
   }
   if (mse) *mse = e;
@@ -115,7 +132,7 @@ int32_t poly_export(Handle xh, Handle yh, int32_t order, Handle wh, int32_t meth
 // --- general linear ------------------------------------------------------
 
 int32_t general_export(Handle design, Handle yh, Handle wh, int32_t method, Handle fit, Handle coef, double* mse,
-                       Handle cov) {
+                       Handle cov, FitScheme scheme = {}) {
   Array2<const double> a(design);
   In y(yh), w(wh);
   Out<double> f(fit), c(coef);
@@ -131,8 +148,8 @@ int32_t general_export(Handle design, Handle yh, Handle wh, int32_t method, Hand
   if (!code && (!out.size(f, n) || !out.size(c, m) || !out.size(v, m, m))) code = kNoMemory;
   double e = kNaN;
   if (!code)
-    code = solve_least_squares(a.data(), n, m, y.data(), weights_or_null(w), method, c.data(), v.data(), f.data(),
-                               &e);
+    code = design_fit(scheme.kind, a.data(), n, m, y.data(), weights_or_null(w), method, scheme.tol, scheme.max_iter,
+                      c.data(), f.data(), &e, v.data());
   if (mse) *mse = e;
   return scalars(out.finish(code), mse);
 }
@@ -178,6 +195,74 @@ int32_t curve_coef_export(Curve kind, Handle yh, Handle xh, Handle sdh, double* 
   code = code ? scalars(code, a, b) : curve_run(kind, y, x, sd, fit.data(), a, b, nullptr);
   if (status) *status = code;
   return 0;
+}
+
+// --- robust straight lines and curves ---------------------------------------
+
+// Robust straight line: the design [1, x] through the robust scheme.
+int32_t robust_line_export(Handle yh, Handle xh, Handle wh, FitScheme scheme, Handle fit, double* slope,
+                           double* intercept, double* mse) {
+  In y(yh), x(xh), w(wh);
+  Out<double> f(fit);
+  Outputs out(f);
+  const int32_t n = y.size();
+  int32_t code = data_checks(x, y, w, 2, kFewerThan2);
+  if (!code && !out.size(f, n)) code = kNoMemory;
+  Scratch<double> a;
+  if (!code && a.allocate(size_t(n) * 2)) code = kNoMemory;
+  double c[2] = {kNaN, kNaN}, e = kNaN;
+  if (!code) {
+    for (int32_t i = 0; i < n; ++i) {
+      a[2 * size_t(i)] = 1.0;
+      a[2 * size_t(i) + 1] = x[i];
+    }
+    code = design_fit(scheme.kind, a.data(), n, 2, y.data(), weights_or_null(w), kQr1, scheme.tol, scheme.max_iter,
+                      c, f.data(), &e, nullptr);
+  }
+  if (slope) *slope = c[1];
+  if (intercept) *intercept = c[0];
+  if (mse) *mse = e;
+  return scalars(out.finish(code), slope, intercept, mse);
+}
+
+// Robust curve: the scheme around the curve fit; the bisquare leverages come
+// from the model's Jacobian at the first fit.
+int32_t robust_curve_export(Curve kind, Handle yh, Handle xh, Handle wh, FitScheme scheme, Handle fit, double* a,
+                            double* b, double* mse) {
+  In y(yh), x(xh), w(wh);
+  Out<double> f(fit);
+  Outputs out(f);
+  const int32_t n = y.size();
+  int32_t code = data_checks(x, y, w, 2, kFewerThan2);
+  if (!code && !out.size(f, n)) code = kNoMemory;
+  double c[2] = {kNaN, kNaN}, e = kNaN;
+  if (!code) {
+    const WeightedSolve solve = [&](const double* wt, double* cc, double* ff, double* ee, double*) {
+      return curve_fit(kind, x.data(), y.data(), wt, n, 1e-10, &cc[0], &cc[1], ff, ee);
+    };
+    const DesignAt jacobian = [&](const double* cc, double* d) {
+      for (int32_t i = 0; i < n; ++i) {
+        double* row = d + 2 * size_t(i);
+        if (kind == kLogarithmic) {
+          row[0] = 1.0;
+          row[1] = std::log(x[i]);
+        } else {
+          row[0] = kind == kExponential ? std::exp(cc[1] * x[i]) : std::pow(x[i], cc[1]);
+          row[1] = cc[0] * row[0] * (kind == kExponential ? x[i] : std::log(x[i]));
+        }
+      }
+      return int32_t{kOk};
+    };
+    code = scheme.kind == kLar
+               ? lar_fit(n, 2, y.data(), weights_or_null(w), scheme.tol, scheme.max_iter, -1.0, solve, c, f.data(), &e,
+                         nullptr)
+               : bisquare_fit(n, 2, y.data(), weights_or_null(w), scheme.tol, scheme.max_iter, jacobian, solve, c,
+                              f.data(), &e, nullptr);
+  }
+  if (a) *a = c[0];
+  if (b) *b = c[1];
+  if (mse) *mse = e;
+  return scalars(out.finish(code), a, b, mse);
 }
 
 // --- goodness of fit and bounds -------------------------------------------
@@ -371,4 +456,57 @@ JQ_EXPORT int32_t ConfBndLog_head(Handle x, Handle y, Handle w, double level, Ha
 }
 JQ_EXPORT int32_t PredBndLog_head(Handle x, Handle y, Handle w, double level, Handle coef, Handle lo, Handle up) {
   return curve_bounds(kLogarithmic, x, y, w, level, true, coef, lo, up);
+}
+
+JQ_EXPORT int32_t GenLARFit_head(Handle design, Handle y, Handle w, int32_t method, double tol, int32_t max_iter,
+                                 Handle fit, Handle coef, double* mse, Handle cov) {
+  return general_export(design, y, w, method, fit, coef, mse, cov, {kLar, tol, max_iter});
+}
+JQ_EXPORT int32_t GenBisquareFit_head(Handle design, Handle y, int32_t method, double tol, int32_t max_iter,
+                                      Handle fit, Handle coef, double* mse, Handle cov) {
+  return general_export(design, y, nullptr, method, fit, coef, mse, cov, {kBisquare, tol, max_iter});
+}
+JQ_EXPORT int32_t GenBisquareFit_Weight_head(Handle design, Handle y, Handle w, int32_t method, double tol,
+                                             int32_t max_iter, Handle fit, Handle coef, double* mse, Handle cov) {
+  return general_export(design, y, w, method, fit, coef, mse, cov, {kBisquare, tol, max_iter});
+}
+JQ_EXPORT int32_t LARPolyFit_head(Handle x, Handle y, int32_t order, Handle w, int32_t method, Handle idx,
+                                  Handle vals, double tol, int32_t max_iter, Handle fit, Handle coef, double* mse) {
+  return poly_export(x, y, order, w, method, idx, vals, fit, coef, mse, {kLar, tol, max_iter});
+}
+JQ_EXPORT int32_t BiPolyFit_head(Handle x, Handle y, int32_t order, Handle w, int32_t method, Handle idx,
+                                 Handle vals, double tol, int32_t max_iter, Handle fit, Handle coef, double* mse) {
+  return poly_export(x, y, order, w, method, idx, vals, fit, coef, mse, {kBisquare, tol, max_iter});
+}
+JQ_EXPORT int32_t LARLinearFit_head(Handle y, Handle x, Handle w, double tol, int32_t max_iter, Handle fit,
+                                    double* slope, double* intercept, double* mse) {
+  return robust_line_export(y, x, w, {kLar, tol, max_iter}, fit, slope, intercept, mse);
+}
+JQ_EXPORT int32_t BiLinearFit_head(Handle y, Handle x, Handle w, double tol, int32_t max_iter, Handle fit,
+                                   double* slope, double* intercept, double* mse) {
+  return robust_line_export(y, x, w, {kBisquare, tol, max_iter}, fit, slope, intercept, mse);
+}
+JQ_EXPORT int32_t LARExpFit_head(Handle y, Handle x, Handle w, double tol, int32_t max_iter, Handle fit, double* a,
+                                 double* b, double* mse) {
+  return robust_curve_export(kExponential, y, x, w, {kLar, tol, max_iter}, fit, a, b, mse);
+}
+JQ_EXPORT int32_t BiExpFit_head(Handle y, Handle x, Handle w, double tol, int32_t max_iter, Handle fit, double* a,
+                                double* b, double* mse) {
+  return robust_curve_export(kExponential, y, x, w, {kBisquare, tol, max_iter}, fit, a, b, mse);
+}
+JQ_EXPORT int32_t LARPowerFit_head(Handle y, Handle x, Handle w, double tol, int32_t max_iter, Handle fit, double* a,
+                                   double* b, double* mse) {
+  return robust_curve_export(kPower, y, x, w, {kLar, tol, max_iter}, fit, a, b, mse);
+}
+JQ_EXPORT int32_t BiPowerFit_head(Handle y, Handle x, Handle w, double tol, int32_t max_iter, Handle fit, double* a,
+                                  double* b, double* mse) {
+  return robust_curve_export(kPower, y, x, w, {kBisquare, tol, max_iter}, fit, a, b, mse);
+}
+JQ_EXPORT int32_t LARLogFit_head(Handle y, Handle x, Handle w, double tol, int32_t max_iter, Handle fit, double* a,
+                                 double* b, double* mse) {
+  return robust_curve_export(kLogarithmic, y, x, w, {kLar, tol, max_iter}, fit, a, b, mse);
+}
+JQ_EXPORT int32_t BiLogFit_head(Handle y, Handle x, Handle w, double tol, int32_t max_iter, Handle fit, double* a,
+                                double* b, double* mse) {
+  return robust_curve_export(kLogarithmic, y, x, w, {kBisquare, tol, max_iter}, fit, a, b, mse);
 }

@@ -193,8 +193,14 @@ double poly_eval(const double* c, int32_t order, double x) {
   return v;
 }
 
+DesignSolve least_squares_solver(int32_t method) {
+  return [method](const double* a, int32_t rows, int32_t cols, const double* y, const double* w, double* c) {
+    return solve_least_squares(a, rows, cols, y, w, method, c, nullptr, nullptr, nullptr);
+  };
+}
+
 int32_t poly_fit(const double* x, const double* y, const double* w, int32_t n, int32_t order, const double* fixed,
-                 int32_t method, double* coef, double* fit, double* mse) {
+                 const DesignSolve& solve, double* coef, double* fit, double* mse) {
   const int32_t m = order + 1;
   Scratch<int32_t> powers;
   if (powers.allocate(m)) return kNoMemory;
@@ -216,7 +222,7 @@ int32_t poly_fit(const double* x, const double* y, const double* w, int32_t n, i
       }
       yr[i] = r;
     }
-    code = solve_least_squares(a.data(), n, free, yr.data(), w, method, c.data(), nullptr, nullptr, nullptr);
+    code = solve(a.data(), n, free, yr.data(), w, c.data());
     if (code < 0) return code;
     for (int32_t k = 0; k < free; ++k) coef[powers[k]] = c[k];
   }

@@ -6,6 +6,7 @@
 // Weights are used by absolute value; a null weight pointer means all 1.
 #pragma once
 #include <cstdint>
+#include <functional>
 
 namespace jq::fit {
 
@@ -27,10 +28,18 @@ int32_t solve_least_squares(const double* a, int32_t rows, int32_t cols, const d
 int32_t line_fit(const double* x, const double* y, const double* w, int32_t n, double* slope, double* intercept,
                  double* fit, double* mse);
 
+// Solves a weighted design problem (rows x cols, data y) for its coefficients.
+using DesignSolve =
+    std::function<int32_t(const double* a, int32_t rows, int32_t cols, const double* y, const double* w, double* c)>;
+// The plain least-squares DesignSolve of a method code.
+DesignSolve least_squares_solver(int32_t method);
+
 // Polynomial of the given order; fixed (order + 1 entries, NaN = free) holds
-// the coefficients the caller fixed. fit (n) and coef (order + 1) are written.
+// the coefficients the caller fixed. The free ones come from solve on the
+// design of their powers and y less the fixed terms. fit (n) and coef
+// (order + 1) are written; mse is the weighted MSE of the whole curve.
 int32_t poly_fit(const double* x, const double* y, const double* w, int32_t n, int32_t order, const double* fixed,
-                 int32_t method, double* coef, double* fit, double* mse);
+                 const DesignSolve& solve, double* coef, double* fit, double* mse);
 // Row-major n x (order + 1) design of powers x^0 .. x^order.
 void vandermonde(const double* x, int64_t n, int32_t order, double* a);
 double poly_eval(const double* c, int32_t order, double x);
