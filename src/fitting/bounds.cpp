@@ -55,15 +55,8 @@ int32_t t_quantile(double p, double dof, double* t) {
   return kOk;
 }
 
-int32_t fit_bounds(const double* a, int32_t n, int32_t m, const double* y, const double* f, const double* w,
-                   double level, bool predict, double* lower, double* upper) {
-  double t = 0.0;
-  if (const int32_t c = t_quantile(1.0 - (1.0 - level) / 2.0, double(n) - m, &t)) return c;
+int32_t leverages(const double* a, int32_t n, int32_t m, const double* w, double* h) {
   if (const int32_t c = linalg::ready()) return c;
-  double sse = 0.0;
-  for (int32_t i = 0; i < n; ++i) sse += (w ? w[i] : 1.0) * (y[i] - f[i]) * (y[i] - f[i]);
-  const double s2 = sse / (double(n) - m);
-  // K = (A^T W A)^+, then h_i = a_i K a_i^T.
   linalg::Buffer<double> aw, normal, k;
   const int64_t nm = int64_t{n} * m;
   if (aw.allocate(nm) || normal.allocate(int64_t{m} * m) || k.allocate(int64_t{m} * m)) return kNoMemory;
@@ -72,14 +65,29 @@ int32_t fit_bounds(const double* a, int32_t n, int32_t m, const double* y, const
   if (const int32_t c = linalg::pseudo_inverse(normal.data(), m, m, -1.0, k.data())) return c;
   for (int32_t i = 0; i < n; ++i) {
     const double* ai = a + size_t(i) * m;
-    double h = 0.0;
+    double s = 0.0;
     for (int32_t p = 0; p < m; ++p) {
-      double s = 0.0;
-      for (int32_t q = 0; q < m; ++q) s += k[size_t(p) * m + q] * ai[q];
-      h += ai[p] * s;
+      double kp = 0.0;
+      for (int32_t q = 0; q < m; ++q) kp += k[size_t(p) * m + q] * ai[q];
+      s += ai[p] * kp;
     }
+    h[i] = s;
+  }
+  return kOk;
+}
+
+int32_t fit_bounds(const double* a, int32_t n, int32_t m, const double* y, const double* f, const double* w,
+                   double level, bool predict, double* lower, double* upper) {
+  double t = 0.0;
+  if (const int32_t c = t_quantile(1.0 - (1.0 - level) / 2.0, double(n) - m, &t)) return c;
+  double sse = 0.0;
+  for (int32_t i = 0; i < n; ++i) sse += (w ? w[i] : 1.0) * (y[i] - f[i]) * (y[i] - f[i]);
+  const double s2 = sse / (double(n) - m);
+  // The leverages go into upper first, then the bounds over them.
+  if (const int32_t c = leverages(a, n, m, w, upper)) return c;
+  for (int32_t i = 0; i < n; ++i) {
     const double obs = predict ? (w ? 1.0 / std::fabs(w[i]) : 1.0) : 0.0;
-    const double d = t * std::sqrt(s2 * (obs + h));
+    const double d = t * std::sqrt(s2 * (obs + upper[i]));
     lower[i] = f[i] - d;
     upper[i] = f[i] + d;
   }

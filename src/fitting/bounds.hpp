@@ -13,6 +13,10 @@ void goodness_of_fit(const double* y, const double* f, const double* w, int32_t 
 // bisection on [-10000, 10000] to a width of 0.0001.
 int32_t t_quantile(double p, double dof, double* t);
 
+// Leverages h_i = a_i (A^T W A)^+ a_i^T of a row-major n x m design (the
+// diagonal of the hat matrix; w null means no weights).
+int32_t leverages(const double* a, int32_t n, int32_t m, const double* w, double* h);
+
 // Half-widths of the bounds of a fit whose design (or Jacobian at the
 // optimum) is the row-major n x m matrix a: confidence bounds of the curve,
 // or with predict those of a new observation. f is the fitted curve; lower

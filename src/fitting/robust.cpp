@@ -4,12 +4,11 @@
 #include <cmath>
 #include <cstring>
 
+#include "fitting/bounds.hpp"
 #include "fitting/lsq.hpp"
 #include "frame/errors.hpp"
 #include "frame/scratch.hpp"
 #include "linalg/frame.hpp"
-#include "linalg/lapack.hpp"
-#include "linalg/svd.hpp"
 
 namespace jq::fit {
 
@@ -86,7 +85,6 @@ int32_t bisquare_fit(int32_t n, int32_t m, const double* y, const double* w0, do
                      double* cov) {
   if (n < m) return kFewerPointsThanCoefs;
   if (!(tol > 0.0)) tol = kDefaultTol;
-  if (const int32_t c = linalg::ready()) return c;
   Scratch<double> init, w, adj, u, dev, work, old;
   if (init.allocate(n) || w.allocate(n) || adj.allocate(n) || u.allocate(n) || dev.allocate(n) ||
       work.allocate(n) || old.allocate(m))
@@ -97,23 +95,15 @@ int32_t bisquare_fit(int32_t n, int32_t m, const double* y, const double* w0, do
   if (code < 0) return code;
   if (!std::isfinite(e)) return kNonFiniteMatrix;
 
-  // Leverages: the diagonal of X (X^T X)^+ X^T.
+  // Leverages of the design; a lone point (leverage near 1) takes a capped
+  // adjustment factor.
   {
-    linalg::Buffer<double> x, xtx, k;
-    if (x.allocate(int64_t{n} * m) || xtx.allocate(int64_t{m} * m) || k.allocate(int64_t{m} * m)) return kNoMemory;
+    Scratch<double> x;
+    if (x.allocate(size_t(n) * size_t(m))) return kNoMemory;
     if (const int32_t c = design(coef, x.data())) return c;
-    linalg::Blas<double>::gemm_t(linalg::kTrans, linalg::kNoTrans, m, m, n, x.data(), m, x.data(), m, xtx.data(), m);
-    if (const int32_t c = linalg::pseudo_inverse(xtx.data(), m, m, -1.0, k.data())) return c;
+    if (const int32_t c = leverages(x.data(), n, m, nullptr, adj.data())) return c;
     for (int32_t i = 0; i < n; ++i) {
-      const double* xi = x.data() + size_t(i) * m;
-      double h = 0.0;
-      for (int32_t p = 0; p < m; ++p) {
-        double s = 0.0;
-        for (int32_t q = 0; q < m; ++q) s += k[size_t(p) * m + q] * xi[q];
-        h += xi[p] * s;
-      }
-      // A lone point (leverage near 1) takes a capped factor.
-      const double d = h > 0.9999 ? 1.0 - 0.9999 : 1.0 - h;
+      const double d = adj[i] > 0.9999 ? 1.0 - 0.9999 : 1.0 - adj[i];
       adj[i] = std::sqrt((w0 ? std::fabs(w0[i]) : 1.0) / d);
     }
   }
