@@ -190,6 +190,16 @@ for name, fn, w0 in (("lar", lar, None), ("larw", lar, rw), ("bi", bisquare, Non
     arr("rob_%s_c" % name, c)
     arr("rob_%s_mse" % name, [mse])
 
+# Gaussian peak: scipy's optimum of the weighted residuals.
+gx = np.linspace(-3.0, 5.0, 40)
+gyv = 4.0 * np.exp(-0.5 * ((gx - 1.2) / 0.9) ** 2) + 0.05 * rng.standard_normal(40)
+gw = rng.uniform(0.5, 2.0, 40)
+g = lambda p: p[0] * np.exp(-0.5 * ((gx - p[1]) / p[2]) ** 2)
+arr("gauss_x", gx)
+arr("gauss_y", gyv)
+arr("gauss_w", gw)
+arr("gauss_c", optimize.least_squares(lambda p: np.sqrt(gw) * (g(p) - gyv), [3, 1, 1], **opt).x)
+
 path = os.path.join(os.path.dirname(__file__), "..", "tests", "fitting", "oracle.inc")
 with open(path, "w") as fh:
     fh.write("\n".join(out) + "\n")

@@ -105,6 +105,17 @@ JQ_API int32_t BiPowerFit_head(JQ_IN JQArrF64 y, JQ_IN JQArrF64 x, JQ_IN JQArrF6
 JQ_API int32_t LARLogFit_head(JQ_IN JQArrF64 y, JQ_IN JQArrF64 x, JQ_IN JQArrF64 weights, double tolerance, int32_t max_iter, JQ_OUT JQArrF64 best_fit, JQ_OUT double* a, JQ_OUT double* b, JQ_OUT double* mse);
 JQ_API int32_t BiLogFit_head(JQ_IN JQArrF64 y, JQ_IN JQArrF64 x, JQ_IN JQArrF64 weights, double tolerance, int32_t max_iter, JQ_OUT JQArrF64 best_fit, JQ_OUT double* a, JQ_OUT double* b, JQ_OUT double* mse);
 
+/* Gaussian peak y = amplitude exp(-((x - centre)/sigma)^2 / 2), sigma >= 0;
+ * weights as in the other fits; at least 4 points (-20069). Started from a
+ * parabola through ln|y| near the peak and refined by Levenberg-Marquardt. */
+JQ_API int32_t GaussianPeakFit_head(JQ_IN JQArrF64 y, JQ_IN JQArrF64 x, JQ_IN JQArrF64 weights, JQ_OUT JQArrF64 best_fit, JQ_OUT double* amplitude, JQ_OUT double* centre, JQ_OUT double* sigma, JQ_OUT double* mse);
+JQ_API int32_t GaussianPeakFitCoef_head(JQ_IN JQArrF64 y, JQ_IN JQArrF64 x, JQ_IN JQArrF64 weights, JQ_OUT double* amplitude, JQ_OUT double* centre, JQ_OUT double* sigma, JQ_OUT int32_t* status);
+JQ_API int32_t LARGaussFit_head(JQ_IN JQArrF64 y, JQ_IN JQArrF64 x, JQ_IN JQArrF64 weights, double tolerance, int32_t max_iter, JQ_OUT JQArrF64 best_fit, JQ_OUT double* amplitude, JQ_OUT double* centre, JQ_OUT double* sigma, JQ_OUT double* mse);
+JQ_API int32_t BiGaussFit_head(JQ_IN JQArrF64 y, JQ_IN JQArrF64 x, JQ_IN JQArrF64 weights, double tolerance, int32_t max_iter, JQ_OUT JQArrF64 best_fit, JQ_OUT double* amplitude, JQ_OUT double* centre, JQ_OUT double* sigma, JQ_OUT double* mse);
+/* Bounds of the Gaussian peak fit; coefficients receives amplitude, centre, sigma. */
+JQ_API int32_t ConfBndGauss_head(JQ_IN JQArrF64 x, JQ_IN JQArrF64 y, JQ_IN JQArrF64 weights, double level, JQ_OUT JQArrF64 coefficients, JQ_OUT JQArrF64 lower, JQ_OUT JQArrF64 upper);
+JQ_API int32_t PredBndGauss_head(JQ_IN JQArrF64 x, JQ_IN JQArrF64 y, JQ_IN JQArrF64 weights, double level, JQ_OUT JQArrF64 coefficients, JQ_OUT JQArrF64 lower, JQ_OUT JQArrF64 upper);
+
 #ifdef __cplusplus
 }
 #endif

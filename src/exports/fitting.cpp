@@ -164,35 +164,55 @@ int32_t deviations_to_weights(const In& sd, Scratch<double>& w) {
   return kOk;
 }
 
-// Fits after the checks; fit has room for every point.
-int32_t curve_run(Curve kind, const In& y, const In& x, const In& sd, double* fit, double* a, double* b,
-                  double* mse) {
+// Scalar coefficient outputs of a curve: two, or three for the Gaussian.
+struct Coefs {
+  double* p[3];
+  void set(const double* v) {
+    for (double* q : p)
+      if (q) *q = *v++;
+  }
+  int32_t nan_on(int32_t code) { return scalars(code, p[0], p[1], p[2]); }
+};
+
+// Fits after the checks; fit has room for every point. sd holds standard
+// deviations (weights 1/sd^2) or, for the Gaussian, weights.
+int32_t curve_run(Curve kind, const In& y, const In& x, const In& sd, double* fit, Coefs out, double* mse) {
   Scratch<double> w;
-  int32_t code = deviations_to_weights(sd, w);
-  double ca = kNaN, cb = kNaN, e = kNaN;
-  if (!code) code = curve_fit(kind, x.data(), y.data(), w.data(), y.size(), 1e-10, &ca, &cb, fit, &e);
-  if (a) *a = ca;
-  if (b) *b = cb;
+  const bool weights = kind == kGaussian;
+  int32_t code = weights ? kOk : deviations_to_weights(sd, w);
+  double p[3] = {kNaN, kNaN, kNaN}, e = kNaN;
+  if (!code)
+    code = curve_fit(kind, x.data(), y.data(), weights ? weights_or_null(sd) : w.data(), y.size(), 1e-10, p, fit, &e);
+  out.set(p);
   if (mse) *mse = e;
-  return scalars(code, a, b, mse);
+  scalars(code, mse);
+  return out.nan_on(code);
 }
 
-int32_t curve_export(Curve kind, Handle yh, Handle xh, Handle sdh, Handle fit, double* a, double* b, double* mse) {
+// Checks of a curve's data: the Gaussian needs more than 3 points.
+int32_t curve_checks(Curve kind, const In& x, const In& y, const In& w) {
+  return kind == kGaussian ? data_checks(x, y, w, 4, kFewerThan4) : data_checks(x, y, w, 2, kFewerThan2);
+}
+
+int32_t curve_export(Curve kind, Handle yh, Handle xh, Handle sdh, Handle fit, Coefs coefs, double* mse) {
   In y(yh), x(xh), sd(sdh);
   Out<double> f(fit);
   Outputs out(f);
-  int32_t code = data_checks(x, y, sd, 2, kFewerThan2);
+  int32_t code = curve_checks(kind, x, y, sd);
   if (!code && !out.size(f, y.size())) code = kNoMemory;
-  if (code) return scalars(out.fail(code), a, b, mse);
-  return out.finish(curve_run(kind, y, x, sd, f.data(), a, b, mse));
+  if (code) {
+    scalars(code, mse);
+    return coefs.nan_on(out.fail(code));
+  }
+  return out.finish(curve_run(kind, y, x, sd, f.data(), coefs, mse));
 }
 
-int32_t curve_coef_export(Curve kind, Handle yh, Handle xh, Handle sdh, double* a, double* b, int32_t* status) {
+int32_t curve_coef_export(Curve kind, Handle yh, Handle xh, Handle sdh, Coefs coefs, int32_t* status) {
   In y(yh), x(xh), sd(sdh);
-  int32_t code = data_checks(x, y, sd, 2, kFewerThan2);
+  int32_t code = curve_checks(kind, x, y, sd);
   Scratch<double> fit;
   if (!code && fit.allocate(y.size())) code = kNoMemory;
-  code = code ? scalars(code, a, b) : curve_run(kind, y, x, sd, fit.data(), a, b, nullptr);
+  code = code ? coefs.nan_on(code) : curve_run(kind, y, x, sd, fit.data(), coefs, nullptr);
   if (status) *status = code;
   return 0;
 }
@@ -227,42 +247,33 @@ int32_t robust_line_export(Handle yh, Handle xh, Handle wh, FitScheme scheme, Ha
 
 // Robust curve: the scheme around the curve fit; the bisquare leverages come
 // from the model's Jacobian at the first fit.
-int32_t robust_curve_export(Curve kind, Handle yh, Handle xh, Handle wh, FitScheme scheme, Handle fit, double* a,
-                            double* b, double* mse) {
+int32_t robust_curve_export(Curve kind, Handle yh, Handle xh, Handle wh, FitScheme scheme, Handle fit, Coefs coefs,
+                            double* mse) {
   In y(yh), x(xh), w(wh);
   Out<double> f(fit);
   Outputs out(f);
-  const int32_t n = y.size();
-  int32_t code = data_checks(x, y, w, 2, kFewerThan2);
+  const int32_t n = y.size(), m = curve_params(kind);
+  int32_t code = curve_checks(kind, x, y, w);
   if (!code && !out.size(f, n)) code = kNoMemory;
-  double c[2] = {kNaN, kNaN}, e = kNaN;
+  double c[3] = {kNaN, kNaN, kNaN}, e = kNaN;
   if (!code) {
     const WeightedSolve solve = [&](const double* wt, double* cc, double* ff, double* ee, double*) {
-      return curve_fit(kind, x.data(), y.data(), wt, n, 1e-10, &cc[0], &cc[1], ff, ee);
+      return curve_fit(kind, x.data(), y.data(), wt, n, 1e-10, cc, ff, ee);
     };
     const DesignAt jacobian = [&](const double* cc, double* d) {
-      for (int32_t i = 0; i < n; ++i) {
-        double* row = d + 2 * size_t(i);
-        if (kind == kLogarithmic) {
-          row[0] = 1.0;
-          row[1] = std::log(x[i]);
-        } else {
-          row[0] = kind == kExponential ? std::exp(cc[1] * x[i]) : std::pow(x[i], cc[1]);
-          row[1] = cc[0] * row[0] * (kind == kExponential ? x[i] : std::log(x[i]));
-        }
-      }
+      for (int32_t i = 0; i < n; ++i) curve_gradient(kind, x[i], cc, d + size_t(i) * m);
       return int32_t{kOk};
     };
     code = scheme.kind == kLar
-               ? lar_fit(n, 2, y.data(), weights_or_null(w), scheme.tol, scheme.max_iter, -1.0, solve, c, f.data(), &e,
+               ? lar_fit(n, m, y.data(), weights_or_null(w), scheme.tol, scheme.max_iter, -1.0, solve, c, f.data(), &e,
                          nullptr)
-               : bisquare_fit(n, 2, y.data(), weights_or_null(w), scheme.tol, scheme.max_iter, jacobian, solve, c,
+               : bisquare_fit(n, m, y.data(), weights_or_null(w), scheme.tol, scheme.max_iter, jacobian, solve, c,
                               f.data(), &e, nullptr);
   }
-  if (a) *a = c[0];
-  if (b) *b = c[1];
+  coefs.set(c);
   if (mse) *mse = e;
-  return scalars(out.finish(code), a, b, mse);
+  scalars(code, mse);
+  return coefs.nan_on(out.finish(code));
 }
 
 // --- goodness of fit and bounds -------------------------------------------
@@ -333,28 +344,15 @@ int32_t curve_bounds(Curve kind, Handle xh, Handle yh, Handle wh, double level, 
   In x(xh), y(yh), w(wh);
   Out<double> co(coef), lo(lower), up(upper);
   Outputs out(co, lo, up);
-  int32_t code = bounds_checks(x, y, w, 2, level);
-  if (!code && y.size() < 2) code = kFewerThan2;
-  if (!code && (non_finite(x) || non_finite(y))) code = kNonFiniteMatrix;
-  if (!code && (!out.size(co, 2) || !out.size(lo, y.size()) || !out.size(up, y.size()))) code = kNoMemory;
+  const int32_t m = curve_params(kind);
+  int32_t code = bounds_checks(x, y, w, m, level);
+  if (!code) code = curve_checks(kind, x, y, w);
+  if (!code && (!out.size(co, m) || !out.size(lo, y.size()) || !out.size(up, y.size()))) code = kNoMemory;
   if (code) return out.fail(code);
-  return out.finish(bounds_run(x, y, w, 2, level, predict, lo.data(), up.data(), [&](double* a, double* f) -> int32_t {
-    double ca, cb;
-    const int32_t c = curve_fit(kind, x.data(), y.data(), weights_or_null(w), y.size(), 1e-10, &ca, &cb, f, nullptr);
+  return out.finish(bounds_run(x, y, w, m, level, predict, lo.data(), up.data(), [&](double* a, double* f) -> int32_t {
+    const int32_t c = curve_fit(kind, x.data(), y.data(), weights_or_null(w), y.size(), 1e-10, co.data(), f, nullptr);
     if (c < 0) return c;
-    co.data()[0] = ca;
-    co.data()[1] = cb;
-    for (int32_t i = 0; i < x.size(); ++i) {
-      const double xi = x[i];
-      double* row = a + 2 * size_t(i);
-      if (kind == kLogarithmic) {
-        row[0] = 1.0;
-        row[1] = std::log(xi);
-      } else {
-        row[0] = kind == kExponential ? std::exp(cb * xi) : std::pow(xi, cb);
-        row[1] = ca * row[0] * (kind == kExponential ? xi : std::log(xi));
-      }
-    }
+    for (int32_t i = 0; i < x.size(); ++i) curve_gradient(kind, x[i], co.data(), a + size_t(i) * m);
     return kOk;
   }));
 }
@@ -396,28 +394,28 @@ JQ_EXPORT int32_t GenLSFit80_head(Handle design, Handle y, Handle w, int32_t met
 }
 
 JQ_EXPORT int32_t ExpFit_head(Handle y, Handle x, Handle fit, double* a, double* b, double* mse) {
-  return curve_export(kExponential, y, x, nullptr, fit, a, b, mse);
+  return curve_export(kExponential, y, x, nullptr, fit, {a, b, nullptr}, mse);
 }
 JQ_EXPORT int32_t ExpFit80_head(Handle y, Handle x, Handle sd, Handle fit, double* a, double* b, double* mse) {
-  return curve_export(kExponential, y, x, sd, fit, a, b, mse);
+  return curve_export(kExponential, y, x, sd, fit, {a, b, nullptr}, mse);
 }
 JQ_EXPORT int32_t ExpFitCoef_head(Handle y, Handle x, double* a, double* b, int32_t* status) {
-  return curve_coef_export(kExponential, y, x, nullptr, a, b, status);
+  return curve_coef_export(kExponential, y, x, nullptr, {a, b, nullptr}, status);
 }
 JQ_EXPORT int32_t ExpFitCoef80_head(Handle y, Handle x, Handle sd, double* a, double* b, int32_t* status) {
-  return curve_coef_export(kExponential, y, x, sd, a, b, status);
+  return curve_coef_export(kExponential, y, x, sd, {a, b, nullptr}, status);
 }
 JQ_EXPORT int32_t PowerFit_head(Handle y, Handle x, Handle fit, double* a, double* b, double* mse) {
-  return curve_export(kPower, y, x, nullptr, fit, a, b, mse);
+  return curve_export(kPower, y, x, nullptr, fit, {a, b, nullptr}, mse);
 }
 JQ_EXPORT int32_t PowerFitCoef_head(Handle y, Handle x, double* a, double* b, int32_t* status) {
-  return curve_coef_export(kPower, y, x, nullptr, a, b, status);
+  return curve_coef_export(kPower, y, x, nullptr, {a, b, nullptr}, status);
 }
 JQ_EXPORT int32_t LogFit_head(Handle y, Handle x, Handle fit, double* a, double* b, double* mse) {
-  return curve_export(kLogarithmic, y, x, nullptr, fit, a, b, mse);
+  return curve_export(kLogarithmic, y, x, nullptr, fit, {a, b, nullptr}, mse);
 }
 JQ_EXPORT int32_t LogFitCoef_head(Handle y, Handle x, double* a, double* b, int32_t* status) {
-  return curve_coef_export(kLogarithmic, y, x, nullptr, a, b, status);
+  return curve_coef_export(kLogarithmic, y, x, nullptr, {a, b, nullptr}, status);
 }
 
 JQ_EXPORT int32_t GoodnessOfFit_head(Handle y, Handle fit, Handle w, int32_t dof, double* sse, double* r2,
@@ -488,25 +486,48 @@ JQ_EXPORT int32_t BiLinearFit_head(Handle y, Handle x, Handle w, double tol, int
 }
 JQ_EXPORT int32_t LARExpFit_head(Handle y, Handle x, Handle w, double tol, int32_t max_iter, Handle fit, double* a,
                                  double* b, double* mse) {
-  return robust_curve_export(kExponential, y, x, w, {kLar, tol, max_iter}, fit, a, b, mse);
+  return robust_curve_export(kExponential, y, x, w, {kLar, tol, max_iter}, fit, {a, b, nullptr}, mse);
 }
 JQ_EXPORT int32_t BiExpFit_head(Handle y, Handle x, Handle w, double tol, int32_t max_iter, Handle fit, double* a,
                                 double* b, double* mse) {
-  return robust_curve_export(kExponential, y, x, w, {kBisquare, tol, max_iter}, fit, a, b, mse);
+  return robust_curve_export(kExponential, y, x, w, {kBisquare, tol, max_iter}, fit, {a, b, nullptr}, mse);
 }
 JQ_EXPORT int32_t LARPowerFit_head(Handle y, Handle x, Handle w, double tol, int32_t max_iter, Handle fit, double* a,
                                    double* b, double* mse) {
-  return robust_curve_export(kPower, y, x, w, {kLar, tol, max_iter}, fit, a, b, mse);
+  return robust_curve_export(kPower, y, x, w, {kLar, tol, max_iter}, fit, {a, b, nullptr}, mse);
 }
 JQ_EXPORT int32_t BiPowerFit_head(Handle y, Handle x, Handle w, double tol, int32_t max_iter, Handle fit, double* a,
                                   double* b, double* mse) {
-  return robust_curve_export(kPower, y, x, w, {kBisquare, tol, max_iter}, fit, a, b, mse);
+  return robust_curve_export(kPower, y, x, w, {kBisquare, tol, max_iter}, fit, {a, b, nullptr}, mse);
 }
 JQ_EXPORT int32_t LARLogFit_head(Handle y, Handle x, Handle w, double tol, int32_t max_iter, Handle fit, double* a,
                                  double* b, double* mse) {
-  return robust_curve_export(kLogarithmic, y, x, w, {kLar, tol, max_iter}, fit, a, b, mse);
+  return robust_curve_export(kLogarithmic, y, x, w, {kLar, tol, max_iter}, fit, {a, b, nullptr}, mse);
 }
 JQ_EXPORT int32_t BiLogFit_head(Handle y, Handle x, Handle w, double tol, int32_t max_iter, Handle fit, double* a,
                                 double* b, double* mse) {
-  return robust_curve_export(kLogarithmic, y, x, w, {kBisquare, tol, max_iter}, fit, a, b, mse);
+  return robust_curve_export(kLogarithmic, y, x, w, {kBisquare, tol, max_iter}, fit, {a, b, nullptr}, mse);
+}
+
+JQ_EXPORT int32_t GaussianPeakFit_head(Handle y, Handle x, Handle w, Handle fit, double* amplitude, double* centre,
+                                       double* sigma, double* mse) {
+  return curve_export(kGaussian, y, x, w, fit, {amplitude, centre, sigma}, mse);
+}
+JQ_EXPORT int32_t GaussianPeakFitCoef_head(Handle y, Handle x, Handle w, double* amplitude, double* centre,
+                                           double* sigma, int32_t* status) {
+  return curve_coef_export(kGaussian, y, x, w, {amplitude, centre, sigma}, status);
+}
+JQ_EXPORT int32_t LARGaussFit_head(Handle y, Handle x, Handle w, double tol, int32_t max_iter, Handle fit,
+                                   double* amplitude, double* centre, double* sigma, double* mse) {
+  return robust_curve_export(kGaussian, y, x, w, {kLar, tol, max_iter}, fit, {amplitude, centre, sigma}, mse);
+}
+JQ_EXPORT int32_t BiGaussFit_head(Handle y, Handle x, Handle w, double tol, int32_t max_iter, Handle fit,
+                                  double* amplitude, double* centre, double* sigma, double* mse) {
+  return robust_curve_export(kGaussian, y, x, w, {kBisquare, tol, max_iter}, fit, {amplitude, centre, sigma}, mse);
+}
+JQ_EXPORT int32_t ConfBndGauss_head(Handle x, Handle y, Handle w, double level, Handle coef, Handle lo, Handle up) {
+  return curve_bounds(kGaussian, x, y, w, level, false, coef, lo, up);
+}
+JQ_EXPORT int32_t PredBndGauss_head(Handle x, Handle y, Handle w, double level, Handle coef, Handle lo, Handle up) {
+  return curve_bounds(kGaussian, x, y, w, level, true, coef, lo, up);
 }

@@ -3,6 +3,7 @@
 #include <cmath>
 #include <limits>
 
+#include "fitting/nonlinear.hpp"
 #include "frame/scratch.hpp"
 #include "linalg/dense.hpp"
 #include "linalg/frame.hpp"
@@ -234,101 +235,106 @@ int32_t poly_fit(const double* x, const double* y, const double* w, int32_t n, i
   return code;
 }
 
-double curve_eval(Curve kind, double a, double b, double x) {
+double curve_gradient(Curve kind, double x, const double* p, double* g) {
   switch (kind) {
-    case kExponential: return a * std::exp(b * x);
-    case kPower: return a * std::pow(x, b);
-    default: return a + b * std::log(x);
+    case kExponential:
+      g[0] = std::exp(p[1] * x);
+      g[1] = p[0] * x * g[0];
+      return p[0] * g[0];
+    case kPower:
+      g[0] = std::pow(x, p[1]);
+      g[1] = p[0] * std::log(x) * g[0];
+      return p[0] * g[0];
+    case kLogarithmic:
+      g[0] = 1.0;
+      g[1] = std::log(x);
+      return p[0] + p[1] * g[1];
+    default: {
+      const double u = (x - p[1]) / p[2], e = std::exp(-0.5 * u * u);
+      g[0] = e;
+      g[1] = p[0] * e * u / p[2];
+      g[2] = g[1] * u;
+      return p[0] * e;
+    }
   }
 }
 
 namespace {
 
-// Sum of weighted squared residuals of a curve.
-double curve_sse(Curve kind, const double* x, const double* y, const double* w, int32_t n, double a, double b) {
-  double s = 0.0;
+// Caruana's start for a peak: ln|y| as a parabola over the points above 5%
+// of the largest magnitude (weighted by y^2, which undoes the logarithm's
+// stretching of small values); the moments of the data when that fails.
+int32_t gauss_start(const double* x, const double* y, const double* w, int32_t n, double* p) {
+  int32_t top = 0;
+  for (int32_t i = 1; i < n; ++i)
+    if (std::fabs(y[i]) > std::fabs(y[top])) top = i;
+  const double sign = y[top] < 0 ? -1.0 : 1.0, floor = 0.05 * std::fabs(y[top]);
+  Scratch<double> a, ly, wl;
+  if (a.allocate(size_t(n) * 3) || ly.allocate(n) || wl.allocate(n)) return kNoMemory;
+  int32_t k = 0;
   for (int32_t i = 0; i < n; ++i) {
-    const double r = y[i] - curve_eval(kind, a, b, x[i]);
-    s += (w ? std::fabs(w[i]) : 1.0) * r * r;
+    if (!(sign * y[i] > floor)) continue;
+    a[3 * size_t(k)] = 1.0;
+    a[3 * size_t(k) + 1] = x[i];
+    a[3 * size_t(k) + 2] = x[i] * x[i];
+    ly[k] = std::log(sign * y[i]);
+    wl[k++] = y[i] * y[i] * (w ? std::fabs(w[i]) : 1.0);
   }
-  return s;
-}
-
-// Levenberg-Marquardt on the two coefficients: the damped normal equations
-// (J^T W J + lambda diag) d = J^T W r, the damping raised until a step lowers
-// the SSE and lowered after each success. Stops when the SSE or the
-// coefficients change by no more than tol relative (or the SSE stalls).
-void refine(Curve kind, const double* x, const double* y, const double* w, int32_t n, double tol, double& a,
-            double& b) {
-  double sse = curve_sse(kind, x, y, w, n, a, b), lambda = 1e-3;
-  for (int it = 0; it < 200 && std::isfinite(sse); ++it) {
-    double g11 = 0, g12 = 0, g22 = 0, r1 = 0, r2 = 0;
-    for (int32_t i = 0; i < n; ++i) {
-      // Derivatives by a and by b.
-      double ja, jb;
-      if (kind == kExponential) {
-        ja = std::exp(b * x[i]);
-        jb = a * x[i] * ja;
-      } else {
-        ja = std::pow(x[i], b);
-        jb = a * std::log(x[i]) * ja;
-      }
-      const double wi = w ? std::fabs(w[i]) : 1.0, r = y[i] - a * ja;
-      g11 += wi * ja * ja;
-      g12 += wi * ja * jb;
-      g22 += wi * jb * jb;
-      r1 += wi * ja * r;
-      r2 += wi * jb * r;
-    }
-    bool moved = false;
-    for (int tries = 0; tries < 40; ++tries) {
-      const double d11 = g11 * (1 + lambda), d22 = g22 * (1 + lambda), det = d11 * d22 - g12 * g12;
-      const double da = (r1 * d22 - r2 * g12) / det, db = (d11 * r2 - g12 * r1) / det;
-      const double na = a + da, nb = b + db, nsse = curve_sse(kind, x, y, w, n, na, nb);
-      if (std::isfinite(nsse) && nsse <= sse) {
-        // A small SSE change alone does not mean the coefficients settled.
-        const bool done = sse - nsse <= tol * tol * sse ||
-                          (std::fabs(da) <= tol * std::fabs(na) && std::fabs(db) <= tol * std::fabs(nb));
-        a = na;
-        b = nb;
-        sse = nsse;
-        lambda = std::fmax(lambda * 0.1, 1e-12);
-        moved = true;
-        if (done) return;
-        break;
-      }
-      lambda *= 10.0;
-    }
-    if (!moved) return;
+  double c[3] = {0, 0, 0};
+  if (k >= 3 && solve_least_squares(a.data(), k, 3, ly.data(), wl.data(), kQr1, c, nullptr, nullptr, nullptr) >= 0 &&
+      c[2] < 0.0) {
+    const double s2 = -0.5 / c[2];
+    p[1] = c[1] * s2;
+    p[2] = std::sqrt(s2);
+    p[0] = sign * std::exp(c[0] + p[1] * p[1] / (2.0 * s2));
+    if (std::isfinite(p[0]) && std::isfinite(p[1]) && std::isfinite(p[2])) return kOk;
   }
+  double lo = x[0], hi = x[0];
+  for (int32_t i = 1; i < n; ++i) {
+    lo = std::fmin(lo, x[i]);
+    hi = std::fmax(hi, x[i]);
+  }
+  p[0] = y[top];
+  p[1] = x[top];
+  p[2] = hi > lo ? (hi - lo) / 4.0 : 1.0;
+  return kOk;
 }
 
 }  // namespace
 
-int32_t curve_fit(Curve kind, const double* x, const double* y, const double* w, int32_t n, double tol, double* a,
-                  double* b, double* fit, double* mse) {
-  // The model's linear form: ln|y| against x or ln x, or y against ln x.
-  const bool log_y = kind != kLogarithmic, log_x = kind != kExponential;
-  const double sign = y[0] < 0 ? -1.0 : 1.0;
-  for (int32_t i = 0; i < n; ++i) {
-    if (log_x && !(x[i] > 0.0)) return kNonPositiveLog;
-    if (log_y && !(y[i] * sign > 0.0)) return kNonPositiveLog;
+int32_t curve_fit(Curve kind, const double* x, const double* y, const double* w, int32_t n, double tol, double* p,
+                  double* fit, double* mse) {
+  const Model model = [kind](double xi, const double* q, double* g) { return curve_gradient(kind, xi, q, g); };
+  if (!(tol > 0.0)) tol = 1e-12;
+  int32_t code = kOk;
+  if (kind == kGaussian) {
+    code = gauss_start(x, y, w, n, p);
+  } else {
+    // The model's linear form: ln|y| against x or ln x, or y against ln x.
+    const bool log_y = kind != kLogarithmic, log_x = kind != kExponential;
+    const double sign = y[0] < 0 ? -1.0 : 1.0;
+    for (int32_t i = 0; i < n; ++i) {
+      if (log_x && !(x[i] > 0.0)) return kNonPositiveLog;
+      if (log_y && !(y[i] * sign > 0.0)) return kNonPositiveLog;
+    }
+    Scratch<double> design, rhs;
+    if (design.allocate(size_t(n) * 2) || rhs.allocate(n)) return kNoMemory;
+    for (int32_t i = 0; i < n; ++i) {
+      design[2 * size_t(i)] = 1.0;
+      design[2 * size_t(i) + 1] = log_x ? std::log(x[i]) : x[i];
+      rhs[i] = log_y ? std::log(y[i] * sign) : y[i];
+    }
+    code = solve_least_squares(design.data(), n, 2, rhs.data(), w, kQr1, p, nullptr, nullptr, nullptr);
+    if (log_y) p[0] = sign * std::exp(p[0]);
   }
-  Scratch<double> design, rhs;
-  if (design.allocate(size_t(n) * 2) || rhs.allocate(n)) return kNoMemory;
-  for (int32_t i = 0; i < n; ++i) {
-    design[2 * size_t(i)] = 1.0;
-    design[2 * size_t(i) + 1] = log_x ? std::log(x[i]) : x[i];
-    rhs[i] = log_y ? std::log(y[i] * sign) : y[i];
-  }
-  double c[2];
-  const int32_t code = solve_least_squares(design.data(), n, 2, rhs.data(), w, kQr1, c, nullptr, nullptr, nullptr);
   if (code < 0) return code;
-  *a = log_y ? sign * std::exp(c[0]) : c[0];
-  *b = c[1];
-  if (kind != kLogarithmic) refine(kind, x, y, w, n, tol > 0.0 ? tol : 1e-12, *a, *b);
+  if (kind != kLogarithmic) {
+    if (const int32_t c = levenberg_marquardt(model, x, y, w, n, curve_params(kind), tol, p)) return c;
+  }
+  if (kind == kGaussian) p[2] = std::fabs(p[2]);
   if (fit) {
-    for (int32_t i = 0; i < n; ++i) fit[i] = curve_eval(kind, *a, *b, x[i]);
+    double g[3];
+    for (int32_t i = 0; i < n; ++i) fit[i] = curve_gradient(kind, x[i], p, g);
     if (mse) *mse = weighted_mse(y, fit, w, n);
   }
   return code;

@@ -44,13 +44,18 @@ int32_t poly_fit(const double* x, const double* y, const double* w, int32_t n, i
 void vandermonde(const double* x, int64_t n, int32_t order, double* a);
 double poly_eval(const double* c, int32_t order, double x);
 
-// Curves with two coefficients: y = a e^(b x), y = a x^b, y = a + b ln x.
-enum Curve : int32_t { kExponential, kPower, kLogarithmic };
-// Fits a curve: a start from the log-linear fit, refined (exponential and
-// power) by damped Gauss-Newton to relative tolerance tol (<= 0: 1e-12).
-// kNonPositiveLog when the data leave the curve's domain.
-int32_t curve_fit(Curve kind, const double* x, const double* y, const double* w, int32_t n, double tol, double* a,
-                  double* b, double* fit, double* mse);
-double curve_eval(Curve kind, double a, double b, double x);
+// Curve models: y = a e^(b x), y = a x^b, y = a + b ln x (coefficients a, b)
+// and the Gaussian peak y = a e^(-((x - c)/s)^2 / 2) (a, c, s).
+enum Curve : int32_t { kExponential, kPower, kLogarithmic, kGaussian };
+inline int32_t curve_params(Curve kind) { return kind == kGaussian ? 3 : 2; }
+// The model's value at x; its derivatives by each coefficient go to g.
+double curve_gradient(Curve kind, double x, const double* p, double* g);
+// Fits a curve: a start from a linear form (ln|y| against x or ln x; the
+// logarithmic curve is linear; ln y as a parabola near the peak), refined
+// by Levenberg-Marquardt to relative tolerance tol (<= 0: 1e-12).
+// kNonPositiveLog when the data leave the model's domain. p receives
+// curve_params(kind) coefficients; fit (n) and mse (may be null) follow.
+int32_t curve_fit(Curve kind, const double* x, const double* y, const double* w, int32_t n, double tol, double* p,
+                  double* fit, double* mse);
 
 }  // namespace jq::fit

@@ -148,6 +148,35 @@ TEST(LeastSquares, StraightLineAndCurves) {
   EXPECT_NE(a0, a);
 }
 
+TEST(LeastSquares, GaussianPeakReachesScipysOptimum) {
+  const auto x = ft::arr(gauss_x, 40), y = ft::arr(gauss_y, 40), w = ft::arr(gauss_w, 40);
+  double c[3], mse;
+  int32_t st = 1;
+  ASSERT_EQ(GaussianPeakFitCoef_head(y.h(), x.h(), w.h(), &c[0], &c[1], &c[2], &st), 0);
+  EXPECT_EQ(st, 0);
+  EXPECT_LT(ft::rel_error(c, gauss_c, 3), 1e-8);
+  // A negative peak is the mirror image.
+  Array<double> neg(40), fit;
+  for (int i = 0; i < 40; ++i) neg[i] = -gauss_y[i];
+  ASSERT_EQ(GaussianPeakFit_head(neg.h(), x.h(), w.h(), fit.h(), &c[0], &c[1], &c[2], &mse), 0);
+  EXPECT_NEAR(c[0], -gauss_c[0], 1e-8);
+  EXPECT_NEAR(c[2], gauss_c[2], 1e-8);
+  const Array<double> three{1, 2, 1};
+  ASSERT_EQ(GaussianPeakFit_head(three.h(), three.h(), Array<double>().h(), fit.h(), &c[0], &c[1], &c[2], &mse),
+            -20069);
+  EXPECT_TRUE(std::isnan(c[0]) && std::isnan(c[2]) && std::isnan(mse));
+  // Bounds around the fitted peak: centred on it, wider for a new observation.
+  Array<double> coef, lo, up, plo, pup;
+  ASSERT_EQ(ConfBndGauss_head(x.h(), y.h(), w.h(), 0.95, coef.h(), lo.h(), up.h()), 0);
+  ASSERT_EQ(PredBndGauss_head(x.h(), y.h(), w.h(), 0.95, coef.h(), plo.h(), pup.h()), 0);
+  EXPECT_LT(ft::rel_error(coef.data(), gauss_c, 3), 1e-8);
+  for (int i = 0; i < 40; ++i) {
+    const double u = (gauss_x[i] - gauss_c[1]) / gauss_c[2], f = gauss_c[0] * std::exp(-0.5 * u * u);
+    EXPECT_NEAR(0.5 * (lo[i] + up[i]), f, 1e-7);
+    EXPECT_GT(pup[i] - plo[i], up[i] - lo[i]);
+  }
+}
+
 TEST(LeastSquares, Rejections) {
   const Array<double> x{0, 1, 2, 3}, y{1, 2, 3, 5}, y3{1, 2, 3}, w2{1, 2}, neg{1, -2, 3, 4}, nan{1, NAN, 2, 3};
   const Array<int32_t> i1{0}, none_i;

@@ -101,6 +101,20 @@ TEST(Robust, ExactDataAndOutlierResistance) {
     EXPECT_NEAR(a, 2.0, 0.02);
     EXPECT_NEAR(b, 1.5, 0.01);
   }
+  // A Gaussian peak with one spike keeps its shape.
+  Array<double> gy(30), gx(30);
+  for (int i = 0; i < 30; ++i) {
+    gx[i] = -3 + 0.25 * i;
+    gy[i] = 2 * std::exp(-0.5 * std::pow((gx[i] - 0.5) / 0.8, 2)) + 0.002 * std::sin(4.1 * i);
+  }
+  gy[20] += 1.5;
+  for (auto fn : {LARGaussFit_head, BiGaussFit_head}) {
+    double p[3];
+    ASSERT_EQ(fn(gy.h(), gx.h(), none.h(), 1e-8, 100, fit.h(), &p[0], &p[1], &p[2], &mse), 0);
+    EXPECT_NEAR(p[0], 2.0, 0.01);
+    EXPECT_NEAR(p[1], 0.5, 0.01);
+    EXPECT_NEAR(p[2], 0.8, 0.01);
+  }
   for (auto fn : {LARLogFit_head, BiLogFit_head}) {
     ASSERT_EQ(fn(ly.h(), cx.h(), none.h(), 1e-8, 100, fit.h(), &a, &b, &mse), 0);
     EXPECT_NEAR(a, 1.0, 0.01);
