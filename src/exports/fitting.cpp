@@ -116,6 +116,10 @@ int32_t poly_export(Handle xh, Handle yh, int32_t order, Handle wh, int32_t meth
   if (!code) {
     const DesignSolve solve = [&](const double* a, int32_t rows, int32_t cols, const double* yr, const double* wr,
                                   double* cr) {
+      // The curve comes from the whole polynomial afterwards; a plain solve
+      // needs no fit of its own.
+      if (scheme.kind == kLeastSquares)
+        return solve_least_squares(a, rows, cols, yr, wr, method, cr, nullptr, nullptr, nullptr);
       Scratch<double> fr;
       double er;
       if (fr.allocate(rows)) return int32_t{kNoMemory};
