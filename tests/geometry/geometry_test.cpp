@@ -13,6 +13,7 @@ using jqrt::Array;
 using jqrt::Array2;
 using jqtest::Rejection;
 using V = std::vector<double>;
+constexpr double kPi = 3.141592653589793;
 
 Array2<double> matrix9(const double* m) {
   Array2<double> a(3, 3);
@@ -92,7 +93,7 @@ TEST(Geometry, GimbalLockIsAnExactComparison) {
 TEST(Geometry, PlaneRotationShiftAndDirectCosines) {
   const Array<double> x{1.0, 0.0}, y{0.0, 2.0}, z{3.0, -1.0};
   Array<double> xo, yo, zo;
-  ASSERT_EQ(CoordRotation2D_head(x.h(), y.h(), M_PI / 2, xo.h(), yo.h()), 0);
+  ASSERT_EQ(CoordRotation2D_head(x.h(), y.h(), kPi / 2, xo.h(), yo.h()), 0);
   // The frame turns by +90 degrees, so the point (1, 0) reads (0, -1).
   EXPECT_NEAR(xo[0], 0.0, 1e-15);
   EXPECT_NEAR(yo[0], -1.0, 1e-15);
@@ -102,8 +103,8 @@ TEST(Geometry, PlaneRotationShiftAndDirectCosines) {
   ASSERT_EQ(CartesianShift2D_head(x.h(), y.h(), -1, 0.5, xo.h(), yo.h()), 0);
   EXPECT_EQ(yo.values(), (V{0.5, 2.5}));
   // Mode 0 takes angles between axes: a quarter turn about Z.
-  const double h = M_PI / 2;
-  const double angles[9] = {h, 0, h, M_PI, h, h, h, h, 0};
+  const double h = kPi / 2;
+  const double angles[9] = {h, 0, h, kPi, h, h, h, h, 0};
   auto am = matrix9(angles);
   ASSERT_EQ(CoordRotationDirect_head(x.h(), y.h(), z.h(), am.h(), 0, xo.h(), yo.h(), zo.h()), 0);
   EXPECT_NEAR(xo[0], 0.0, 1e-15);
