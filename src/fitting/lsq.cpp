@@ -62,25 +62,81 @@ int32_t by_svd(const double* a, I m, I n, const double* y, bool cutoff, double* 
   return code;
 }
 
+// Q y for the LQ factor of dgelqf (k reflectors stored in the rows of the
+// k x m column-major `at`, unit diagonal implied, the L part ignored): Q is
+// H(k)...H(1) = I - V^T T^T V in the compact WY form, T from tau and the
+// Gram matrix V V^T as dlarft builds it. One pass over the data gathers
+// V V^T and V y together, so Q is never formed.
+void apply_lq_q(const double* at, I k, I m, const double* tau, const double* y, double* z) {
+  constexpr int kMax = 64;
+  double g[kMax * kMax] = {}, vy[kMax] = {}, v[kMax];
+  auto add_column = [&](I j) {
+    for (I r = 0; r < k; ++r) v[r] = r == j ? 1.0 : r > j ? 0.0 : at[size_t(j) * k + r];
+    for (I r = 0; r < k; ++r) {
+      if (v[r] == 0.0) continue;
+      vy[r] += v[r] * y[j];
+      for (I c = r; c < k; ++c) g[r * kMax + c] += v[r] * v[c];
+    }
+  };
+  // Columns past the first k hold every reflector in full.
+  for (I j = 0; j < k; ++j) add_column(j);
+  for (int64_t j = k; j < m; ++j) {
+    const double* col = at + j * k;
+    const double yj = y[j];
+    for (I r = 0; r < k; ++r) {
+      const double vr = col[r];
+      vy[r] += vr * yj;
+      for (I c = r; c < k; ++c) g[r * kMax + c] += vr * col[c];
+    }
+  }
+  // T upper triangular: T(0:i, i) = -tau_i T(0:i, 0:i) G(0:i, i).
+  double t[kMax * kMax] = {};
+  for (I i = 0; i < k; ++i) {
+    for (I r = 0; r < i; ++r) {
+      double s = 0.0;
+      for (I c = r; c < i; ++c) s += t[r * kMax + c] * g[c * kMax + i];
+      t[r * kMax + i] = -tau[i] * s;
+    }
+    t[i * kMax + i] = tau[i];
+  }
+  // u = T^T (V y); z = y(0:k) - V(:, 0:k)^T u.
+  double u[kMax];
+  for (I c = 0; c < k; ++c) {
+    double s = 0.0;
+    for (I r = 0; r <= c; ++r) s += t[r * kMax + c] * vy[r];
+    u[c] = s;
+  }
+  for (I j = 0; j < k; ++j) {
+    double s = 0.0;
+    for (I r = 0; r <= j; ++r) s += (r == j ? 1.0 : at[size_t(j) * k + r]) * u[r];
+    z[j] = y[j] - s;
+  }
+}
+
 // QR of A through the LQ factorization of its transpose, which is the
 // row-major data read column-major: A^T = L Q, so A = Q^T L^T and
-// c = L^-T (Q y).
+// c = L^-T (Q y). Few columns apply Q to y in WY form; more form Q with
+// dorglq.
 int32_t by_qr(double* at, I m, I n, const double* y, double* coef, double* cov) {
   Buffer<double> tau, l, z, work;
   if (tau.allocate(n) || l.allocate(int64_t{n} * n) || z.allocate(n) || work.allocate(1)) return kNoMemory;
+  const bool wy = n <= 64;
   I info = 0, lwork = -1;
-  double query = 0.0;
+  double query = 0.0, query2 = 0.0;
   JQ_CALL(dgelqf, &n, &m, at, &n, tau.data(), &query, &lwork, &info);
-  double query2 = 0.0;
-  JQ_CALL(dorglq, &n, &m, &n, at, &n, tau.data(), &query2, &lwork, &info);
+  if (!wy) JQ_CALL(dorglq, &n, &m, &n, at, &n, tau.data(), &query2, &lwork, &info);
   lwork = static_cast<I>(std::fmax(std::fmax(query, query2), double(n)));
   if (work.allocate(lwork)) return kNoMemory;
   JQ_CALL(dgelqf, &n, &m, at, &n, tau.data(), work.data(), &lwork, &info);
   for (I j = 0; j < n; ++j)
     for (I i = 0; i < n; ++i) l[size_t(j) * n + i] = i >= j ? at[size_t(j) * n + i] : 0.0;  // column-major L
-  JQ_CALL(dorglq, &n, &m, &n, at, &n, tau.data(), work.data(), &lwork, &info);
-  // Q (n x m column-major) is Q^T row-major m x n: z = Q y.
-  JQ_CALL(cblas_dgemv, linalg::kRowMajor, linalg::kTrans, m, n, 1.0, at, n, y, 1, 0.0, z.data(), 1);
+  if (wy) {
+    apply_lq_q(at, n, m, tau.data(), y, z.data());
+  } else {
+    JQ_CALL(dorglq, &n, &m, &n, at, &n, tau.data(), work.data(), &lwork, &info);
+    // Q (n x m column-major) is Q^T row-major m x n: z = Q y.
+    JQ_CALL(cblas_dgemv, linalg::kRowMajor, linalg::kTrans, m, n, 1.0, at, n, y, 1, 0.0, z.data(), 1);
+  }
   for (I r = n - 1; r >= 0; --r) {  // L^T c = z, L^T[r][j] = L[j][r]
     double s = z[r];
     for (I j = r + 1; j < n; ++j) s -= l[size_t(r) * n + j] * coef[j];
@@ -338,6 +394,85 @@ int32_t curve_fit(Curve kind, const double* x, const double* y, const double* w,
     if (mse) *mse = weighted_mse(y, fit, w, n);
   }
   return code;
+}
+
+namespace {
+
+double clip(double v, double lo, double hi) { return std::fmin(std::fmax(v, lo), hi); }
+
+double line_sse(const double* x, const double* y, const double* w, int32_t n, double a, double b) {
+  double s = 0.0;
+  for (int32_t i = 0; i < n; ++i) {
+    const double r = y[i] - (a * x[i] + b);
+    s += (w ? std::fabs(w[i]) : 1.0) * r * r;
+  }
+  return s;
+}
+
+// The straight line in a box: a convex quadratic, so its minimum is the free
+// optimum when that is feasible, else on an edge (one coefficient at a
+// bound, the other its clipped 1-D optimum) or a corner.
+void bounded_line(const double* x, const double* y, const double* w, int32_t n, const double* lo, const double* hi,
+                  double* p) {
+  double s = 0, sx = 0, sy = 0, sxx = 0, sxy = 0;
+  for (int32_t i = 0; i < n; ++i) {
+    const double wi = w ? std::fabs(w[i]) : 1.0;
+    s += wi;
+    sx += wi * x[i];
+    sy += wi * y[i];
+    sxx += wi * x[i] * x[i];
+    sxy += wi * x[i] * y[i];
+  }
+  double best = std::numeric_limits<double>::infinity();
+  auto consider = [&](double a, double b) {
+    if (!(a >= lo[0] && a <= hi[0] && b >= lo[1] && b <= hi[1])) return;
+    const double e = line_sse(x, y, w, n, a, b);
+    if (e < best) {
+      best = e;
+      p[0] = a;
+      p[1] = b;
+    }
+  };
+  const double det = s * sxx - sx * sx;
+  if (det != 0.0) consider((s * sxy - sx * sy) / det, (sxx * sy - sx * sxy) / det);
+  for (int k = 0; k < 2; ++k) {
+    const double a = k ? hi[0] : lo[0], b = k ? hi[1] : lo[1];
+    if (std::isfinite(a)) consider(a, s > 0 ? clip((sy - a * sx) / s, lo[1], hi[1]) : clip(0.0, lo[1], hi[1]));
+    if (std::isfinite(b)) consider(sxx > 0 ? clip((sxy - b * sx) / sxx, lo[0], hi[0]) : clip(0.0, lo[0], hi[0]), b);
+    for (int j = 0; j < 2; ++j) consider(a, j ? hi[1] : lo[1]);
+  }
+  if (!std::isfinite(best)) {  // nothing finite to compare: the clipped origin
+    p[0] = clip(0.0, lo[0], hi[0]);
+    p[1] = clip(0.0, lo[1], hi[1]);
+  }
+}
+
+}  // namespace
+
+int32_t bounded_fit(Curve kind, const double* x, const double* y, const double* w, int32_t n, const double* lo,
+                    const double* hi, double* p, double* fit, double* mse) {
+  if (kind == kLine) {
+    bounded_line(x, y, w, n, lo, hi, p);
+    for (int32_t i = 0; i < n; ++i) fit[i] = p[0] * x[i] + p[1];
+  } else {
+    const int32_t code = curve_fit(kind, x, y, w, n, 1e-10, p, nullptr, nullptr);
+    if (code < 0) return code;
+    const int32_t m = curve_params(kind);
+    bool inside = true;
+    for (int32_t k = 0; k < m; ++k) {
+      const double c = clip(p[k], lo[k], hi[k]);
+      inside = inside && c == p[k];
+      p[k] = c;
+    }
+    if (!inside) {
+      const Model model = [kind](double xi, const double* q, double* g) { return curve_gradient(kind, xi, q, g); };
+      if (const int32_t c = levenberg_marquardt(model, x, y, w, n, m, 1e-10, p, lo, hi)) return c;
+    }
+    double g[3];
+    for (int32_t i = 0; i < n; ++i) fit[i] = curve_gradient(kind, x[i], p, g);
+  }
+  if (mse) *mse = weighted_mse(y, fit, w, n);
+  return kOk;
 }
 
 }  // namespace jq::fit

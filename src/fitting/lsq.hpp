@@ -58,4 +58,13 @@ double curve_gradient(Curve kind, double x, const double* p, double* g);
 int32_t curve_fit(Curve kind, const double* x, const double* y, const double* w, int32_t n, double tol, double* p,
                   double* fit, double* mse);
 
+// A curve with each coefficient held in [lo_k, hi_k] (lo_k <= hi_k, infinite
+// ends allowed). The straight line y = p0 x + p1 (kind kLine) is solved
+// exactly: the best of the unconstrained solution, the four edges and the
+// four corners of the box. The other curves start from their unbounded fit
+// clipped into the box and refine by projected Levenberg-Marquardt.
+constexpr Curve kLine = static_cast<Curve>(4);
+int32_t bounded_fit(Curve kind, const double* x, const double* y, const double* w, int32_t n, const double* lo,
+                    const double* hi, double* p, double* fit, double* mse);
+
 }  // namespace jq::fit

@@ -23,7 +23,7 @@ double sse_of(const Model& f, const double* x, const double* y, const double* w,
 }  // namespace
 
 int32_t levenberg_marquardt(const Model& f, const double* x, const double* y, const double* w, int32_t n,
-                            int32_t params, double tol, double* p) {
+                            int32_t params, double tol, double* p, const double* lo, const double* hi) {
   const int32_t m = params;
   if (m < 1 || m > kMaxParams) return kBadOrder;
   if (const int32_t c = linalg::ready()) return c;
@@ -47,7 +47,11 @@ int32_t levenberg_marquardt(const Model& f, const double* x, const double* y, co
       const int32_t code = linalg::solve_lu(damped, m, jtr, 1, step);
       if (code == kNoMemory) return code;
       if (code != kOk) continue;
-      for (int32_t a = 0; a < m; ++a) trial[a] = p[a] + step[a];
+      for (int32_t a = 0; a < m; ++a) {
+        trial[a] = p[a] + step[a];
+        if (lo) trial[a] = std::fmin(std::fmax(trial[a], lo[a]), hi[a]);
+        step[a] = trial[a] - p[a];
+      }
       const double next = sse_of(f, x, y, w, n, trial);
       if (!(std::isfinite(next) && next <= sse)) continue;
       bool settled = sse - next <= tol * tol * sse;
