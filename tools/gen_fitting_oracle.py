@@ -200,6 +200,15 @@ arr("gauss_y", gyv)
 arr("gauss_w", gw)
 arr("gauss_c", optimize.least_squares(lambda p: np.sqrt(gw) * (g(p) - gyv), [3, 1, 1], **opt).x)
 
+# Bounded fits: the weighted line in a box that binds the slope (scipy's
+# lsq_linear), the exponential with its rate held above the free optimum
+# (scipy's least_squares with bounds).
+sw = np.sqrt(lw)
+arr("bline_c", optimize.lsq_linear(np.column_stack([lx, np.ones(25)]) * sw[:, None], ly * sw,
+                                   bounds=([0.0, -1.0], [1.4, 5.0]), tol=1e-14).x)
+arr("bexp_c", optimize.least_squares(lambda p: p[0] * np.exp(p[1] * cx) - ey, [2.0, -0.7],
+                                     bounds=([0.0, -0.7], [10.0, 0.0]), **opt).x)
+
 path = os.path.join(os.path.dirname(__file__), "..", "tests", "fitting", "oracle.inc")
 with open(path, "w") as fh:
     fh.write("\n".join(out) + "\n")

@@ -116,6 +116,21 @@ JQ_API int32_t BiGaussFit_head(JQ_IN JQArrF64 y, JQ_IN JQArrF64 x, JQ_IN JQArrF6
 JQ_API int32_t ConfBndGauss_head(JQ_IN JQArrF64 x, JQ_IN JQArrF64 y, JQ_IN JQArrF64 weights, double level, JQ_OUT JQArrF64 coefficients, JQ_OUT JQArrF64 lower, JQ_OUT JQArrF64 upper);
 JQ_API int32_t PredBndGauss_head(JQ_IN JQArrF64 x, JQ_IN JQArrF64 y, JQ_IN JQArrF64 weights, double level, JQ_OUT JQArrF64 coefficients, JQ_OUT JQArrF64 lower, JQ_OUT JQArrF64 upper);
 
+/* Bounded fits: each coefficient held in [lower_k, upper_k] (infinite ends
+ * allowed); lower and upper hold one value per coefficient, in the order of
+ * the outputs (slope, intercept; a, b; amplitude, centre, sigma), else
+ * -20002; a NaN bound -20068; a lower bound above its upper -20061. The
+ * straight line is solved exactly over the box; the curves refine their
+ * unbounded fit, clipped into the box, by projected Levenberg-Marquardt.
+ * The LAR and bisquare members reweight around the bounded line. */
+JQ_API int32_t BoundLinearFit_head(JQ_IN JQArrF64 y, JQ_IN JQArrF64 x, JQ_IN JQArrF64 weights, JQ_IN JQArrF64 lower, JQ_IN JQArrF64 upper, JQ_OUT JQArrF64 best_fit, JQ_OUT double* slope, JQ_OUT double* intercept, JQ_OUT double* mse);
+JQ_API int32_t BoundLinearFitLAR_head(JQ_IN JQArrF64 y, JQ_IN JQArrF64 x, JQ_IN JQArrF64 weights, JQ_IN JQArrF64 lower, JQ_IN JQArrF64 upper, double tolerance, int32_t max_iter, JQ_OUT JQArrF64 best_fit, JQ_OUT double* slope, JQ_OUT double* intercept, JQ_OUT double* mse);
+JQ_API int32_t BoundLinearFitBi_head(JQ_IN JQArrF64 y, JQ_IN JQArrF64 x, JQ_IN JQArrF64 weights, JQ_IN JQArrF64 lower, JQ_IN JQArrF64 upper, double tolerance, int32_t max_iter, JQ_OUT JQArrF64 best_fit, JQ_OUT double* slope, JQ_OUT double* intercept, JQ_OUT double* mse);
+JQ_API int32_t BoundExpFit_head(JQ_IN JQArrF64 y, JQ_IN JQArrF64 x, JQ_IN JQArrF64 weights, JQ_IN JQArrF64 lower, JQ_IN JQArrF64 upper, JQ_OUT JQArrF64 best_fit, JQ_OUT double* a, JQ_OUT double* b, JQ_OUT double* mse);
+JQ_API int32_t BoundPowerFit_head(JQ_IN JQArrF64 y, JQ_IN JQArrF64 x, JQ_IN JQArrF64 weights, JQ_IN JQArrF64 lower, JQ_IN JQArrF64 upper, JQ_OUT JQArrF64 best_fit, JQ_OUT double* a, JQ_OUT double* b, JQ_OUT double* mse);
+JQ_API int32_t BoundLogFit_head(JQ_IN JQArrF64 y, JQ_IN JQArrF64 x, JQ_IN JQArrF64 weights, JQ_IN JQArrF64 lower, JQ_IN JQArrF64 upper, JQ_OUT JQArrF64 best_fit, JQ_OUT double* a, JQ_OUT double* b, JQ_OUT double* mse);
+JQ_API int32_t BoundGaussianFit_head(JQ_IN JQArrF64 y, JQ_IN JQArrF64 x, JQ_IN JQArrF64 weights, JQ_IN JQArrF64 lower, JQ_IN JQArrF64 upper, JQ_OUT JQArrF64 best_fit, JQ_OUT double* amplitude, JQ_OUT double* centre, JQ_OUT double* sigma, JQ_OUT double* mse);
+
 #ifdef __cplusplus
 }
 #endif

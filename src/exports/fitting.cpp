@@ -249,35 +249,60 @@ int32_t robust_line_export(Handle yh, Handle xh, Handle wh, FitScheme scheme, Ha
   return scalars(out.finish(code), slope, intercept, mse);
 }
 
-// Robust curve: the scheme around the curve fit; the bisquare leverages come
-// from the model's Jacobian at the first fit.
-int32_t robust_curve_export(Curve kind, Handle yh, Handle xh, Handle wh, FitScheme scheme, Handle fit, Coefs coefs,
-                            double* mse) {
+// A curve through a scheme: plain, LAR or bisquare around the curve fit, or
+// around the bounded fit when lo and hi are given. The bisquare leverages
+// come from the model's Jacobian at the first fit.
+int32_t curve_scheme_export(Curve kind, Handle yh, Handle xh, Handle wh, const double* lo, const double* hi,
+                            FitScheme scheme, Handle fit, Coefs coefs, double* mse, int32_t code = kOk) {
   In y(yh), x(xh), w(wh);
   Out<double> f(fit);
   Outputs out(f);
   const int32_t n = y.size(), m = curve_params(kind);
-  int32_t code = curve_checks(kind, x, y, w);
+  if (!code) code = curve_checks(kind, x, y, w);
   if (!code && !out.size(f, n)) code = kNoMemory;
   double c[3] = {kNaN, kNaN, kNaN}, e = kNaN;
   if (!code) {
     const WeightedSolve solve = [&](const double* wt, double* cc, double* ff, double* ee, double*) {
-      return curve_fit(kind, x.data(), y.data(), wt, n, 1e-10, cc, ff, ee);
+      return lo ? bounded_fit(kind, x.data(), y.data(), wt, n, lo, hi, cc, ff, ee)
+                : curve_fit(kind, x.data(), y.data(), wt, n, 1e-10, cc, ff, ee);
     };
     const DesignAt jacobian = [&](const double* cc, double* d) {
       for (int32_t i = 0; i < n; ++i) curve_gradient(kind, x[i], cc, d + size_t(i) * m);
       return int32_t{kOk};
     };
-    code = scheme.kind == kLar
-               ? lar_fit(n, m, y.data(), weights_or_null(w), scheme.tol, scheme.max_iter, -1.0, solve, c, f.data(), &e,
-                         nullptr)
-               : bisquare_fit(n, m, y.data(), weights_or_null(w), scheme.tol, scheme.max_iter, jacobian, solve, c,
-                              f.data(), &e, nullptr);
+    const double* w0 = weights_or_null(w);
+    if (scheme.kind == kLar)
+      code = lar_fit(n, m, y.data(), w0, scheme.tol, scheme.max_iter, -1.0, solve, c, f.data(), &e, nullptr);
+    else if (scheme.kind == kBisquare)
+      code = bisquare_fit(n, m, y.data(), w0, scheme.tol, scheme.max_iter, jacobian, solve, c, f.data(), &e, nullptr);
+    else
+      code = solve(w0, c, f.data(), &e, nullptr);
   }
   coefs.set(c);
   if (mse) *mse = e;
   scalars(code, mse);
   return coefs.nan_on(out.finish(code));
+}
+
+int32_t robust_curve_export(Curve kind, Handle yh, Handle xh, Handle wh, FitScheme scheme, Handle fit, Coefs coefs,
+                            double* mse) {
+  return curve_scheme_export(kind, yh, xh, wh, nullptr, nullptr, scheme, fit, coefs, mse);
+}
+
+// Bounded curves: one interval [lower_k, upper_k] per coefficient, checked
+// after the data: counts (-20002), NaN (-20068), lower above upper (-20061).
+int32_t bounded_export(Curve kind, Handle yh, Handle xh, Handle wh, Handle lower, Handle upper, FitScheme scheme,
+                       Handle fit, Coefs coefs, double* mse) {
+  In lo(lower), hi(upper), y(yh), x(xh), w(wh);
+  const int32_t m = curve_params(kind);
+  int32_t code = curve_checks(kind, x, y, w);
+  if (!code && (lo.size() != m || hi.size() != m)) code = kLengthMismatch;
+  for (int32_t k = 0; !code && k < m; ++k) {
+    if (std::isnan(lo[k]) || std::isnan(hi[k])) code = kNonFiniteMatrix;
+    else if (lo[k] > hi[k]) code = kBadSelector;
+  }
+  return curve_scheme_export(kind, yh, xh, wh, code ? nullptr : lo.data(), code ? nullptr : hi.data(), scheme, fit,
+                             coefs, mse, code);
 }
 
 // --- goodness of fit and bounds -------------------------------------------
@@ -534,4 +559,35 @@ JQ_EXPORT int32_t ConfBndGauss_head(Handle x, Handle y, Handle w, double level, 
 }
 JQ_EXPORT int32_t PredBndGauss_head(Handle x, Handle y, Handle w, double level, Handle coef, Handle lo, Handle up) {
   return curve_bounds(kGaussian, x, y, w, level, true, coef, lo, up);
+}
+
+JQ_EXPORT int32_t BoundLinearFit_head(Handle y, Handle x, Handle w, Handle lower, Handle upper, Handle fit,
+                                      double* slope, double* intercept, double* mse) {
+  return bounded_export(kLine, y, x, w, lower, upper, {}, fit, {slope, intercept, nullptr}, mse);
+}
+JQ_EXPORT int32_t BoundLinearFitLAR_head(Handle y, Handle x, Handle w, Handle lower, Handle upper, double tol,
+                                         int32_t max_iter, Handle fit, double* slope, double* intercept,
+                                         double* mse) {
+  return bounded_export(kLine, y, x, w, lower, upper, {kLar, tol, max_iter}, fit, {slope, intercept, nullptr}, mse);
+}
+JQ_EXPORT int32_t BoundLinearFitBi_head(Handle y, Handle x, Handle w, Handle lower, Handle upper, double tol,
+                                        int32_t max_iter, Handle fit, double* slope, double* intercept, double* mse) {
+  return bounded_export(kLine, y, x, w, lower, upper, {kBisquare, tol, max_iter}, fit, {slope, intercept, nullptr},
+                        mse);
+}
+JQ_EXPORT int32_t BoundExpFit_head(Handle y, Handle x, Handle w, Handle lower, Handle upper, Handle fit, double* a,
+                                   double* b, double* mse) {
+  return bounded_export(kExponential, y, x, w, lower, upper, {}, fit, {a, b, nullptr}, mse);
+}
+JQ_EXPORT int32_t BoundPowerFit_head(Handle y, Handle x, Handle w, Handle lower, Handle upper, Handle fit, double* a,
+                                     double* b, double* mse) {
+  return bounded_export(kPower, y, x, w, lower, upper, {}, fit, {a, b, nullptr}, mse);
+}
+JQ_EXPORT int32_t BoundLogFit_head(Handle y, Handle x, Handle w, Handle lower, Handle upper, Handle fit, double* a,
+                                   double* b, double* mse) {
+  return bounded_export(kLogarithmic, y, x, w, lower, upper, {}, fit, {a, b, nullptr}, mse);
+}
+JQ_EXPORT int32_t BoundGaussianFit_head(Handle y, Handle x, Handle w, Handle lower, Handle upper, Handle fit,
+                                        double* amplitude, double* centre, double* sigma, double* mse) {
+  return bounded_export(kGaussian, y, x, w, lower, upper, {}, fit, {amplitude, centre, sigma}, mse);
 }

@@ -305,6 +305,10 @@ double curve_gradient(Curve kind, double x, const double* p, double* g) {
       g[0] = 1.0;
       g[1] = std::log(x);
       return p[0] + p[1] * g[1];
+    case kLine:
+      g[0] = x;
+      g[1] = 1.0;
+      return p[0] * x + p[1];
     default: {
       const double u = (x - p[1]) / p[2], e = std::exp(-0.5 * u * u);
       g[0] = e;

@@ -46,7 +46,8 @@ double poly_eval(const double* c, int32_t order, double x);
 
 // Curve models: y = a e^(b x), y = a x^b, y = a + b ln x (coefficients a, b)
 // and the Gaussian peak y = a e^(-((x - c)/s)^2 / 2) (a, c, s).
-enum Curve : int32_t { kExponential, kPower, kLogarithmic, kGaussian };
+// kLine, y = p0 x + p1, serves the bounded fits only.
+enum Curve : int32_t { kExponential, kPower, kLogarithmic, kGaussian, kLine };
 inline int32_t curve_params(Curve kind) { return kind == kGaussian ? 3 : 2; }
 // The model's value at x; its derivatives by each coefficient go to g.
 double curve_gradient(Curve kind, double x, const double* p, double* g);
@@ -63,7 +64,6 @@ int32_t curve_fit(Curve kind, const double* x, const double* y, const double* w,
 // exactly: the best of the unconstrained solution, the four edges and the
 // four corners of the box. The other curves start from their unbounded fit
 // clipped into the box and refine by projected Levenberg-Marquardt.
-constexpr Curve kLine = static_cast<Curve>(4);
 int32_t bounded_fit(Curve kind, const double* x, const double* y, const double* w, int32_t n, const double* lo,
                     const double* hi, double* p, double* fit, double* mse);
 

@@ -40,11 +40,23 @@ int32_t levenberg_marquardt(const Model& f, const double* x, const double* y, co
         for (int32_t b = 0; b < m; ++b) jtj[a * m + b] += wi * g[a] * g[b];
       }
     }
+    // A coefficient at a bound that the descent direction pushes outward is
+    // held there for this step (an active set), so the others move freely.
+    bool held[kMaxParams] = {};
+    for (int32_t a = 0; lo && a < m; ++a)
+      held[a] = (p[a] <= lo[a] && jtr[a] < 0.0) || (p[a] >= hi[a] && jtr[a] > 0.0);
     bool moved = false;
     for (int tries = 0; tries < 40 && !moved; ++tries, lambda *= 10.0) {
       for (int32_t k = 0; k < m * m; ++k) damped[k] = jtj[k];
       for (int32_t a = 0; a < m; ++a) damped[a * m + a] *= 1.0 + lambda;
-      const int32_t code = linalg::solve_lu(damped, m, jtr, 1, step);
+      for (int32_t a = 0; a < m; ++a) {
+        if (!held[a]) continue;
+        for (int32_t b = 0; b < m; ++b) damped[a * m + b] = damped[b * m + a] = 0.0;
+        damped[a * m + a] = 1.0;
+      }
+      double rhs[kMaxParams];
+      for (int32_t a = 0; a < m; ++a) rhs[a] = held[a] ? 0.0 : jtr[a];
+      const int32_t code = linalg::solve_lu(damped, m, rhs, 1, step);
       if (code == kNoMemory) return code;
       if (code != kOk) continue;
       for (int32_t a = 0; a < m; ++a) {

@@ -122,6 +122,42 @@ TEST(Robust, ExactDataAndOutlierResistance) {
   }
 }
 
+TEST(Bounded, BoxesMatchScipy) {
+  const auto x = ft::arr(line_x, 25), y = ft::arr(line_y, 25), w = ft::arr(line_w, 25);
+  const Array<double> lo{0.0, -1.0}, hi{1.4, 5.0};
+  Array<double> fit;
+  double s, c, mse;
+  ASSERT_EQ(BoundLinearFit_head(y.h(), x.h(), w.h(), lo.h(), hi.h(), fit.h(), &s, &c, &mse), 0);
+  EXPECT_NEAR(s, bline_c[0], 1e-10);
+  EXPECT_NEAR(c, bline_c[1], 1e-10);
+  // Wide boxes change nothing: the free optimum stands.
+  const Array<double> wide_lo{-INFINITY, -INFINITY}, wide_hi{INFINITY, INFINITY};
+  ASSERT_EQ(BoundLinearFitLAR_head(y.h(), x.h(), Array<double>().h(), wide_lo.h(), wide_hi.h(), 0, 30, fit.h(), &s,
+                                   &c, &mse),
+            0);
+  double s2, c2;
+  ASSERT_EQ(LARLinearFit_head(y.h(), x.h(), Array<double>().h(), 0, 30, fit.h(), &s2, &c2, &mse), 0);
+  EXPECT_NEAR(s, s2, 1e-9);
+  EXPECT_NEAR(c, c2, 1e-8);
+  ASSERT_EQ(BoundLinearFitBi_head(y.h(), x.h(), w.h(), lo.h(), hi.h(), 0, 30, fit.h(), &s, &c, &mse), 0);
+  EXPECT_LE(s, 1.4);
+  const auto cx = ft::arr(curve_x, 30), ey = ft::arr(exp_y, 30);
+  const Array<double> elo{0.0, -0.7}, ehi{10.0, 0.0};
+  double a, b;
+  ASSERT_EQ(BoundExpFit_head(ey.h(), cx.h(), Array<double>().h(), elo.h(), ehi.h(), fit.h(), &a, &b, &mse), 0);
+  EXPECT_NEAR(a, bexp_c[0], 1e-7);
+  EXPECT_NEAR(b, bexp_c[1], 1e-7);
+  const Array<double> bad_lo{1.0, 0.0}, bad_hi{0.0, 1.0}, nan_lo{NAN, 0.0}, three{0, 0, 0};
+  EXPECT_EQ(BoundLogFit_head(ey.h(), cx.h(), Array<double>().h(), bad_lo.h(), bad_hi.h(), fit.h(), &a, &b, &mse),
+            -20061);
+  EXPECT_TRUE(std::isnan(a) && std::isnan(mse) && fit.size() == 0);
+  EXPECT_EQ(BoundPowerFit_head(ey.h(), cx.h(), Array<double>().h(), nan_lo.h(), ehi.h(), fit.h(), &a, &b, &mse),
+            -20068);
+  EXPECT_EQ(BoundGaussianFit_head(ey.h(), cx.h(), Array<double>().h(), elo.h(), three.h(), fit.h(), &a, &b, &c,
+                                  &mse),
+            -20002);
+}
+
 TEST(Robust, Rejections) {
   const Array<double> x{1, 2, 3, 4}, y{1, 2, 3, 5}, y3{1, 2, 3}, none, nan{1, NAN, 1, 1}, neg{-1, 2, 3, 4};
   Array2<double> d(4, 2), wide(2, 3);
