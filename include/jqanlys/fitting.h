@@ -131,6 +131,14 @@ JQ_API int32_t BoundPowerFit_head(JQ_IN JQArrF64 y, JQ_IN JQArrF64 x, JQ_IN JQAr
 JQ_API int32_t BoundLogFit_head(JQ_IN JQArrF64 y, JQ_IN JQArrF64 x, JQ_IN JQArrF64 weights, JQ_IN JQArrF64 lower, JQ_IN JQArrF64 upper, JQ_OUT JQArrF64 best_fit, JQ_OUT double* a, JQ_OUT double* b, JQ_OUT double* mse);
 JQ_API int32_t BoundGaussianFit_head(JQ_IN JQArrF64 y, JQ_IN JQArrF64 x, JQ_IN JQArrF64 weights, JQ_IN JQArrF64 lower, JQ_IN JQArrF64 upper, JQ_OUT JQArrF64 best_fit, JQ_OUT double* amplitude, JQ_OUT double* centre, JQ_OUT double* sigma, JQ_OUT double* mse);
 
+/* Outlier removal: the points kept go to x_out and y_out in their order;
+ * removed (uint8, n) marks each dropped point with 1. RmvOutlierRng drops
+ * the points whose y lies outside [low, high] (NaN bound -20068, low above
+ * high -20061; a NaN y is dropped); RmvOutlierIndx drops the points at the
+ * given indices (indices outside 0..n-1 are ignored). */
+JQ_API int32_t RmvOutlierRng_head(JQ_IN JQArrF64 x, JQ_IN JQArrF64 y, double low, double high, JQ_OUT JQArrF64 x_out, JQ_OUT JQArrF64 y_out, JQ_OUT JQArrU8 removed);
+JQ_API int32_t RmvOutlierIndx_head(JQ_IN JQArrF64 x, JQ_IN JQArrF64 y, JQ_IN JQArrI32 indices, JQ_OUT JQArrF64 x_out, JQ_OUT JQArrF64 y_out, JQ_OUT JQArrU8 removed);
+
 #ifdef __cplusplus
 }
 #endif

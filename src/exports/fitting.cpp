@@ -386,6 +386,33 @@ int32_t curve_bounds(Curve kind, Handle xh, Handle yh, Handle wh, double level, 
   }));
 }
 
+// --- outlier removal ------------------------------------------------------
+
+// Marks the points to drop (mask), then writes the kept ones. The checks
+// come first: lengths (-20002), empty data (-20003), then `pick`'s own.
+template <class Pick>
+int32_t remove_export(Handle xh, Handle yh, Handle xo, Handle yo, Handle mask, int32_t code, Pick pick) {
+  In x(xh), y(yh);
+  Out<double> ox(xo), oy(yo);
+  Out<uint8_t> om(mask);
+  Outputs out(ox, oy, om);
+  const int32_t n = y.size();
+  if (!code) code = x.size() != n ? kLengthMismatch : n < 1 ? kEmptyInput : kOk;
+  if (!code && !out.size(om, n)) code = kNoMemory;
+  if (code) return out.fail(code);
+  uint8_t* drop = om.data();
+  pick(x.data(), y.data(), n, drop);
+  int32_t kept = 0;
+  for (int32_t i = 0; i < n; ++i) kept += drop[i] == 0;
+  if (!out.size(ox, kept) || !out.size(oy, kept)) return out.fail(kNoMemory);
+  for (int32_t i = 0, k = 0; i < n; ++i) {
+    if (drop[i]) continue;
+    ox.data()[k] = x[i];
+    oy.data()[k++] = y[i];
+  }
+  return kOk;
+}
+
 }  // namespace
 
 JQ_EXPORT int32_t LinFit_head(Handle y, Handle x, Handle w, Handle fit, double* slope, double* intercept,
@@ -590,4 +617,22 @@ JQ_EXPORT int32_t BoundLogFit_head(Handle y, Handle x, Handle w, Handle lower, H
 JQ_EXPORT int32_t BoundGaussianFit_head(Handle y, Handle x, Handle w, Handle lower, Handle upper, Handle fit,
                                         double* amplitude, double* centre, double* sigma, double* mse) {
   return bounded_export(kGaussian, y, x, w, lower, upper, {}, fit, {amplitude, centre, sigma}, mse);
+}
+
+JQ_EXPORT int32_t RmvOutlierRng_head(Handle x, Handle y, double low, double high, Handle x_out, Handle y_out,
+                                     Handle removed) {
+  const int32_t code = std::isnan(low) || std::isnan(high) ? kNonFiniteMatrix : low > high ? kBadSelector : kOk;
+  return remove_export(x, y, x_out, y_out, removed, code, [&](const double*, const double* yv, int32_t n, uint8_t* d) {
+    for (int32_t i = 0; i < n; ++i) d[i] = !(yv[i] >= low && yv[i] <= high);
+  });
+}
+
+JQ_EXPORT int32_t RmvOutlierIndx_head(Handle x, Handle y, Handle indices, Handle x_out, Handle y_out,
+                                      Handle removed) {
+  Array1<const int32_t> idx(indices);
+  return remove_export(x, y, x_out, y_out, removed, kOk, [&](const double*, const double*, int32_t n, uint8_t* d) {
+    for (int32_t i = 0; i < n; ++i) d[i] = 0;
+    for (int32_t k = 0; k < idx.size(); ++k)  // indices outside the data are ignored
+      if (idx[k] >= 0 && idx[k] < n) d[idx[k]] = 1;
+  });
 }

@@ -158,6 +158,27 @@ TEST(Bounded, BoxesMatchScipy) {
             -20002);
 }
 
+TEST(Outliers, RangeAndIndices) {
+  const Array<double> x{0, 1, 2, 3, 4}, y{1, 50, 2, NAN, -3};
+  Array<double> xo, yo;
+  Array<uint8_t> mask;
+  ASSERT_EQ(RmvOutlierRng_head(x.h(), y.h(), -5, 10, xo.h(), yo.h(), mask.h()), 0);
+  EXPECT_EQ(xo.values(), (std::vector<double>{0, 2, 4}));
+  EXPECT_EQ(yo.values(), (std::vector<double>{1, 2, -3}));
+  EXPECT_EQ(mask.values(), (std::vector<uint8_t>{0, 1, 0, 1, 0}));
+  const Array<int32_t> idx{4, 0, 9, -1, 0};
+  ASSERT_EQ(RmvOutlierIndx_head(x.h(), y.h(), idx.h(), xo.h(), yo.h(), mask.h()), 0);
+  EXPECT_EQ(xo.values(), (std::vector<double>{1, 2, 3}));
+  const Array<double> y4{1, 2, 3, 4}, none;
+  std::vector<Rejection> cases = {
+      {"lengths", -20002, [&](uint8_t** o) { Array<double> a; Array<uint8_t> m; return RmvOutlierRng_head(x.h(), y4.h(), 0, 1, a.h(), o, m.h()); }},
+      {"empty", -20003, [&](uint8_t** o) { Array<double> a; Array<uint8_t> m; return RmvOutlierIndx_head(none.h(), none.h(), idx.h(), a.h(), o, m.h()); }},
+      {"range", -20061, [&](uint8_t** o) { Array<double> a; Array<uint8_t> m; return RmvOutlierRng_head(x.h(), y.h(), 2, 1, a.h(), o, m.h()); }},
+      {"resize", -20001, [&](uint8_t** o) { Array<double> a; Array<uint8_t> m; return RmvOutlierRng_head(x.h(), y.h(), 0, 1, a.h(), o, m.h()); }, 3},
+  };
+  jqtest::expect_rejections<double>(cases);
+}
+
 TEST(Robust, Rejections) {
   const Array<double> x{1, 2, 3, 4}, y{1, 2, 3, 5}, y3{1, 2, 3}, none, nan{1, NAN, 1, 1}, neg{-1, 2, 3, 4};
   Array2<double> d(4, 2), wide(2, 3);
