@@ -28,47 +28,13 @@ double weighted_mse(const double* y, const double* f, const double* w, int64_t n
 
 namespace {
 
-// Solution and covariance through the SVD of the weighted design; singular
-// values at or below the cut-off are dropped.
-int32_t by_svd(const double* a, I m, I n, const double* y, bool cutoff, double* coef, double* cov) {
-  Buffer<double> u, vh, s, z;
-  if (u.allocate(int64_t{m} * n) || vh.allocate(int64_t{n} * n) || s.allocate(n) || z.allocate(n)) return kNoMemory;
-  if (const int32_t c = linalg::svd(a, m, n, 'S', s.data(), u.data(), vh.data())) return c;
-  const double t = cutoff ? static_cast<double>(m) * s[0] * linalg::kEps : 0.0;
-  JQ_CALL(cblas_dgemv, linalg::kRowMajor, linalg::kTrans, m, n, 1.0, u.data(), n, y, 1, 0.0, z.data(), 1);
-  int32_t code = kOk;
-  for (I i = 0; i < n; ++i) {
-    if (s[i] > t) {
-      z[i] /= s[i];
-      s[i] = 1.0 / s[i];
-    } else {
-      z[i] = s[i] = 0.0;
-      code = kWarnRankDeficient;
-    }
-  }
-  for (I j = 0; j < n; ++j) {
-    double c = 0.0;
-    for (I i = 0; i < n; ++i) c += z[i] * vh[size_t(i) * n + j];
-    coef[j] = c;
-  }
-  if (cov) {
-    for (I p = 0; p < n; ++p)
-      for (I q = 0; q < n; ++q) {
-        double c = 0.0;
-        for (I i = 0; i < n; ++i) c += vh[size_t(i) * n + p] * vh[size_t(i) * n + q] * s[i] * s[i];
-        cov[size_t(p) * n + q] = c;
-      }
-  }
-  return code;
-}
-
 // Q y for the LQ factor of dgelqf (k reflectors stored in the rows of the
 // k x m column-major `at`, unit diagonal implied, the L part ignored): Q is
 // H(k)...H(1) = I - V^T T^T V in the compact WY form, T from tau and the
 // Gram matrix V V^T as dlarft builds it. One pass over the data gathers
 // V V^T and V y together, so Q is never formed.
 void apply_lq_q(const double* at, I k, I m, const double* tau, const double* y, double* z) {
-  constexpr int kMax = 64;
+  constexpr int kMax = 64;  // kWyMax
   double g[kMax * kMax] = {}, vy[kMax] = {}, v[kMax];
   auto add_column = [&](I j) {
     for (I r = 0; r < k; ++r) v[r] = r == j ? 1.0 : r > j ? 0.0 : at[size_t(j) * k + r];
@@ -113,26 +79,46 @@ void apply_lq_q(const double* at, I k, I m, const double* tau, const double* y, 
   }
 }
 
+constexpr I kWyMax = 64;  // the most columns whose Q is applied in WY form
+
+// LQ of the column-major view (A^T = L Q) and z = Q y; l receives L
+// column-major. For at most kWyMax columns.
+int32_t lq_and_qy(double* at, I m, I n, const double* y, double* l, double* z) {
+  Buffer<double> tau, work;
+  if (tau.allocate(n)) return kNoMemory;
+  I info = 0, lwork = -1;
+  double query = 0.0;
+  JQ_CALL(dgelqf, &n, &m, at, &n, tau.data(), &query, &lwork, &info);
+  lwork = static_cast<I>(std::fmax(query, double(n)));
+  if (work.allocate(lwork)) return kNoMemory;
+  JQ_CALL(dgelqf, &n, &m, at, &n, tau.data(), work.data(), &lwork, &info);
+  for (I j = 0; j < n; ++j)
+    for (I i = 0; i < n; ++i) l[size_t(j) * n + i] = i >= j ? at[size_t(j) * n + i] : 0.0;
+  apply_lq_q(at, n, m, tau.data(), y, z);
+  return kOk;
+}
+
 // QR of A through the LQ factorization of its transpose, which is the
 // row-major data read column-major: A^T = L Q, so A = Q^T L^T and
 // c = L^-T (Q y). Few columns apply Q to y in WY form; more form Q with
 // dorglq.
 int32_t by_qr(double* at, I m, I n, const double* y, double* coef, double* cov) {
-  Buffer<double> tau, l, z, work;
-  if (tau.allocate(n) || l.allocate(int64_t{n} * n) || z.allocate(n) || work.allocate(1)) return kNoMemory;
-  const bool wy = n <= 64;
-  I info = 0, lwork = -1;
-  double query = 0.0, query2 = 0.0;
-  JQ_CALL(dgelqf, &n, &m, at, &n, tau.data(), &query, &lwork, &info);
-  if (!wy) JQ_CALL(dorglq, &n, &m, &n, at, &n, tau.data(), &query2, &lwork, &info);
-  lwork = static_cast<I>(std::fmax(std::fmax(query, query2), double(n)));
-  if (work.allocate(lwork)) return kNoMemory;
-  JQ_CALL(dgelqf, &n, &m, at, &n, tau.data(), work.data(), &lwork, &info);
-  for (I j = 0; j < n; ++j)
-    for (I i = 0; i < n; ++i) l[size_t(j) * n + i] = i >= j ? at[size_t(j) * n + i] : 0.0;  // column-major L
-  if (wy) {
-    apply_lq_q(at, n, m, tau.data(), y, z.data());
+  Buffer<double> l, z;
+  if (l.allocate(int64_t{n} * n) || z.allocate(n)) return kNoMemory;
+  if (n <= kWyMax) {
+    if (const int32_t c = lq_and_qy(at, m, n, y, l.data(), z.data())) return c;
   } else {
+    Buffer<double> tau, work;
+    if (tau.allocate(n)) return kNoMemory;
+    I info = 0, lwork = -1;
+    double query = 0.0, query2 = 0.0;
+    JQ_CALL(dgelqf, &n, &m, at, &n, tau.data(), &query, &lwork, &info);
+    JQ_CALL(dorglq, &n, &m, &n, at, &n, tau.data(), &query2, &lwork, &info);
+    lwork = static_cast<I>(std::fmax(std::fmax(query, query2), double(n)));
+    if (work.allocate(lwork)) return kNoMemory;
+    JQ_CALL(dgelqf, &n, &m, at, &n, tau.data(), work.data(), &lwork, &info);
+    for (I j = 0; j < n; ++j)
+      for (I i = 0; i < n; ++i) l[size_t(j) * n + i] = i >= j ? at[size_t(j) * n + i] : 0.0;  // column-major L
     JQ_CALL(dorglq, &n, &m, &n, at, &n, tau.data(), work.data(), &lwork, &info);
     // Q (n x m column-major) is Q^T row-major m x n: z = Q y.
     JQ_CALL(cblas_dgemv, linalg::kRowMajor, linalg::kTrans, m, n, 1.0, at, n, y, 1, 0.0, z.data(), 1);
@@ -150,6 +136,54 @@ int32_t by_qr(double* at, I m, I n, const double* y, double* coef, double* cov) 
   // R^T R = L L^T; L column-major is L^T row-major.
   Blas<double>::gemm_t(linalg::kTrans, linalg::kNoTrans, n, n, n, l.data(), n, l.data(), n, rtr.data(), n);
   return linalg::pseudo_inverse(rtr.data(), n, n, -1.0, cov);
+}
+
+// A tall design with few columns is first reduced to its triangular factor
+// (A = Q^T R), whose SVD R = Ur S V^T is A's with U = Q^T Ur: the values and
+// V are the same, and u_i^T y = (Ur^T Q y)_i. This is the reduction the SVD
+// driver itself makes for tall matrices, without forming the long U.
+int32_t by_svd(double* a, I m, I n, const double* y, bool cutoff, double* coef, double* cov) {
+  Buffer<double> u, vh, s, z;
+  const bool reduce = n <= kWyMax && m >= 2 * int64_t{n};
+  if (u.allocate(reduce ? int64_t{n} * n : int64_t{m} * n) || vh.allocate(int64_t{n} * n) || s.allocate(n) ||
+      z.allocate(n))
+    return kNoMemory;
+  if (reduce) {
+    Buffer<double> r, qy;
+    if (r.allocate(int64_t{n} * n) || qy.allocate(n)) return kNoMemory;
+    if (const int32_t c = lq_and_qy(a, m, n, y, r.data(), qy.data())) return c;
+    // r holds L column-major, which read row-major is R = L^T.
+    if (const int32_t c = linalg::svd(r.data(), n, n, 'S', s.data(), u.data(), vh.data())) return c;
+    JQ_CALL(cblas_dgemv, linalg::kRowMajor, linalg::kTrans, n, n, 1.0, u.data(), n, qy.data(), 1, 0.0, z.data(), 1);
+  } else {
+    if (const int32_t c = linalg::svd(a, m, n, 'S', s.data(), u.data(), vh.data())) return c;
+    JQ_CALL(cblas_dgemv, linalg::kRowMajor, linalg::kTrans, m, n, 1.0, u.data(), n, y, 1, 0.0, z.data(), 1);
+  }
+  const double t = cutoff ? static_cast<double>(m) * s[0] * linalg::kEps : 0.0;
+  int32_t code = kOk;
+  for (I i = 0; i < n; ++i) {
+    if (s[i] > t) {
+      z[i] /= s[i];
+      s[i] = 1.0 / s[i];
+    } else {
+      z[i] = s[i] = 0.0;
+      code = kWarnRankDeficient;
+    }
+  }
+  for (I j = 0; j < n; ++j) {
+    double c = 0.0;
+    for (I i = 0; i < n; ++i) c += z[i] * vh[size_t(i) * n + j];
+    coef[j] = c;
+  }
+  if (cov) {
+    for (I p = 0; p < n; ++p)
+      for (I q = 0; q < n; ++q) {
+        double c = 0.0;
+        for (I i = 0; i < n; ++i) c += vh[size_t(i) * n + p] * vh[size_t(i) * n + q] * s[i] * s[i];
+        cov[size_t(p) * n + q] = c;
+      }
+  }
+  return code;
 }
 
 int32_t by_normal(const double* a, I m, I n, const double* y, bool cholesky, double* normal, double* coef,
