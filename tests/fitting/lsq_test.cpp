@@ -177,6 +177,44 @@ TEST(LeastSquares, GaussianPeakReachesScipysOptimum) {
   }
 }
 
+TEST(LeastSquares, ExtremeArgumentsAndWarnings) {
+  Array<double> x(30), y(30);
+  for (int i = 0; i < 30; ++i) {
+    x[i] = -1 + i / 14.5;
+    y[i] = std::cos(3 * x[i]);
+  }
+  Array<double> fit, coef;
+  double mse;
+  // A constrained polynomial above order 25 warns and keeps its outputs.
+  const Array<int32_t> idx{0};
+  const Array<double> one{1.0};
+  EXPECT_EQ(PolyFit80_head(x.h(), y.h(), 26, 0, idx.h(), one.h(), fit.h(), coef.h(), &mse), 20031);
+  EXPECT_EQ(coef.size(), 27);
+  EXPECT_EQ(coef[0], 1.0);
+  EXPECT_LT(mse, 1e-6);
+  EXPECT_EQ(PolyFit_head(x.h(), y.h(), INT32_MIN, 0, fit.h(), coef.h(), &mse), -20103);
+  EXPECT_EQ(PolyFit_head(x.h(), y.h(), INT32_MAX, 0, fit.h(), coef.h(), &mse), -20037);
+  EXPECT_EQ(coef.size(), 0);
+  // The largest double is refused as non-finite; huge finite data do not crash.
+  Array<double> big(30);
+  for (int i = 0; i < 30; ++i) big[i] = i == 4 ? 1.7976931348623157e308 : 1e300;
+  EXPECT_EQ(PolyFit_head(x.h(), big.h(), 2, 1, fit.h(), coef.h(), &mse), -20068);
+  double s, c;
+  big[4] = 1e308;
+  EXPECT_EQ(LinFit_head(big.h(), x.h(), Array<double>().h(), fit.h(), &s, &c, &mse), 0);
+  // Iteration limits at their extremes end on convergence or at once.
+  Array2<double> d(30, 2);
+  for (int i = 0; i < 30; ++i) {
+    d[2 * i] = 1;
+    d[2 * i + 1] = x[i];
+  }
+  Array2<double> cov;
+  for (int32_t limit : {INT32_MIN, 0, INT32_MAX}) {
+    EXPECT_EQ(GenLARFit_head(d.h(), y.h(), Array<double>().h(), 0, -1, limit, fit.h(), coef.h(), &mse, cov.h()), 0);
+    EXPECT_EQ(GenBisquareFit_head(d.h(), y.h(), 0, -1, limit, fit.h(), coef.h(), &mse, cov.h()), 0);
+  }
+}
+
 TEST(LeastSquares, Rejections) {
   const Array<double> x{0, 1, 2, 3}, y{1, 2, 3, 5}, y3{1, 2, 3}, w2{1, 2}, neg{1, -2, 3, 4}, nan{1, NAN, 2, 3};
   const Array<int32_t> i1{0}, none_i;
