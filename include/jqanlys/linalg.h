@@ -170,6 +170,109 @@ JQ_API int32_t CxEqsSetBySVDDri_head(JQ_IN JQMatC128 a, JQ_IN JQMatC128 b, JQ_OU
 JQ_API int32_t EqsSetBySVDDri82_head(JQ_IN JQMatF64 a, JQ_IN JQMatF64 b, double tolerance, JQ_OUT JQMatF64 x, JQ_OUT int32_t* status);
 JQ_API int32_t CxEqsSetBySVDDri82_head(JQ_IN JQMatC128 a, JQ_IN JQMatC128 b, double tolerance, JQ_OUT JQMatC128 x, JQ_OUT int32_t* status);
 
+/* Solve and inverse from LU factors and 0-based pivots as LU_head returns
+ * them (a pivot outside [i, n): -20061). */
+JQ_API int32_t LULinEqs_head(JQ_IN JQMatF64 lu, JQ_IN JQArrI32 pivots, JQ_IN JQArrF64 b, JQ_OUT JQArrF64 x, JQ_OUT int32_t* status);
+JQ_API int32_t CxLULinEqs_head(JQ_IN JQMatC128 lu, JQ_IN JQArrI32 pivots, JQ_IN JQArrC128 b, JQ_OUT JQArrC128 x, JQ_OUT int32_t* status);
+JQ_API int32_t LUInvMatrix_head(JQ_IN JQMatF64 lu, JQ_IN JQArrI32 pivots, JQ_OUT JQMatF64 inverse, JQ_OUT int32_t* status);
+JQ_API int32_t CxLUInvMatrix_head(JQ_IN JQMatC128 lu, JQ_IN JQArrI32 pivots, JQ_OUT JQMatC128 inverse, JQ_OUT int32_t* status);
+
+/* Tridiagonal systems: sub-diagonal (n - 1), diagonal (n), super-diagonal
+ * (n - 1); a vector or a matrix of right-hand sides. */
+JQ_API int32_t TriDiagEqsByLU_head(JQ_IN JQArrF64 sub, JQ_IN JQArrF64 diag, JQ_IN JQArrF64 super, JQ_IN JQArrF64 b, JQ_OUT JQArrF64 x, JQ_OUT int32_t* status);
+JQ_API int32_t TriDiagEqsSetByLU_head(JQ_IN JQArrF64 sub, JQ_IN JQArrF64 diag, JQ_IN JQArrF64 super, JQ_IN JQMatF64 b, JQ_OUT JQMatF64 x, JQ_OUT int32_t* status);
+
+/* Property tests of a square matrix: result 1 or 0 (-1 on an error).
+ * Symmetric (Hermitian) within n * eps * the largest magnitude; positive
+ * definite: symmetric with every eigenvalue above 0; semi-definite: none
+ * below -n * eps * the largest eigenvalue magnitude. */
+JQ_API int32_t CheckSym_head(JQ_IN JQMatF64 a, JQ_OUT int32_t* result, JQ_OUT int32_t* status);
+JQ_API int32_t CxCheckSym_head(JQ_IN JQMatC128 a, JQ_OUT int32_t* result, JQ_OUT int32_t* status);
+JQ_API int32_t CheckPosdef_head(JQ_IN JQMatF64 a, JQ_OUT int32_t* result, JQ_OUT int32_t* status);
+JQ_API int32_t CxCheckPosdef_head(JQ_IN JQMatC128 a, JQ_OUT int32_t* result, JQ_OUT int32_t* status);
+JQ_API int32_t CheckPosSemiDef_head(JQ_IN JQMatF64 a, JQ_OUT int32_t* result, JQ_OUT int32_t* status);
+JQ_API int32_t CxCheckPosSemiDef_head(JQ_IN JQMatC128 a, JQ_OUT int32_t* result, JQ_OUT int32_t* status);
+
+/* Hessenberg form A = Q H Q^H; Schur form A = Z S Z^H (real data: S quasi
+ * upper triangular with 2 x 2 blocks for complex pairs); characteristic
+ * polynomial det(x I - A), coefficients constant first, leading 1. */
+JQ_API int32_t Hessenberg_head(JQ_IN JQMatF64 a, JQ_OUT JQMatF64 h, JQ_OUT JQMatF64 q, JQ_OUT int32_t* status);
+JQ_API int32_t CxHessenberg_head(JQ_IN JQMatC128 a, JQ_OUT JQMatC128 h, JQ_OUT JQMatC128 q, JQ_OUT int32_t* status);
+JQ_API int32_t Schur_head(JQ_IN JQMatF64 a, JQ_OUT JQMatF64 s, JQ_OUT JQMatF64 z, JQ_OUT int32_t* status);
+JQ_API int32_t CxSchur_head(JQ_IN JQMatC128 a, JQ_OUT JQMatC128 s, JQ_OUT JQMatC128 z, JQ_OUT int32_t* status);
+JQ_API int32_t MatrixCharacteristicPoly_head(JQ_IN JQMatF64 a, JQ_OUT JQArrF64 coefficients, JQ_OUT int32_t* status);
+JQ_API int32_t CxMatrixCharacteristicPoly_head(JQ_IN JQMatC128 a, JQ_OUT JQArrC128 coefficients, JQ_OUT int32_t* status);
+
+/* Matrix functions of a square matrix: the exponential (scaling and
+ * squaring with a degree-13 Pade approximant), an integer power (negative:
+ * of the inverse, -20041 when there is none), the principal square root
+ * (complex, through the complex Schur form). */
+JQ_API int32_t MatrixExp_head(JQ_IN JQMatF64 a, JQ_OUT JQMatF64 e, JQ_OUT int32_t* status);
+JQ_API int32_t CxMatrixExp_head(JQ_IN JQMatC128 a, JQ_OUT JQMatC128 e, JQ_OUT int32_t* status);
+JQ_API int32_t MatrixPower_head(JQ_IN JQMatF64 a, int32_t p, JQ_OUT JQMatF64 r, JQ_OUT int32_t* status);
+JQ_API int32_t CxMatrixPower_head(JQ_IN JQMatC128 a, int32_t p, JQ_OUT JQMatC128 r, JQ_OUT int32_t* status);
+JQ_API int32_t MatrixSqrt_head(JQ_IN JQMatF64 a, JQ_OUT JQMatC128 x, JQ_OUT int32_t* status);
+JQ_API int32_t CxMatrixSqrt_head(JQ_IN JQMatC128 a, JQ_OUT JQMatC128 x, JQ_OUT int32_t* status);
+/* Principal logarithm of a diagonalizable matrix, through its
+ * eigendecomposition (a zero eigenvalue: -20027); the matrix V diag(values)
+ * V^-1 of given eigenvalues and eigenvectors (columns; V singular: -20041). */
+JQ_API int32_t MatrixLn_head(JQ_IN JQMatF64 a, JQ_OUT JQMatC128 l, JQ_OUT int32_t* status);
+JQ_API int32_t CxMatrixLn_head(JQ_IN JQMatC128 a, JQ_OUT JQMatC128 l, JQ_OUT int32_t* status);
+JQ_API int32_t CreateMatrixFromEVs_head(JQ_IN JQArrF64 values, JQ_IN JQMatF64 vectors, JQ_OUT JQMatF64 a, JQ_OUT int32_t* status);
+JQ_API int32_t CxCreateMatrixFromEVs_head(JQ_IN JQArrC128 values, JQ_IN JQMatC128 vectors, JQ_OUT JQMatC128 a, JQ_OUT int32_t* status);
+
+/* Packed storage: the lower triangle of an n x n matrix, row after row, in
+ * n (n + 1) / 2 elements (a length that is not such a number: -20002).
+ * Unpacking gives the full symmetric (Hermitian) matrix. The H forms return
+ * their status. Cholesky_head packs the lower factor L (A = L L^H), which
+ * CholeskyLinEqs_head and Cholesky_InvMatrix_head take; the triangular
+ * solvers and Tri_InvMatrix_head take a packed lower triangular matrix. */
+JQ_API int32_t Matrix_to_Compact_head(JQ_IN JQMatF64 a, JQ_OUT JQArrF64 packed, JQ_OUT int32_t* status);
+JQ_API int32_t CxMatrix_to_Compact_head(JQ_IN JQMatC128 a, JQ_OUT JQArrC128 packed, JQ_OUT int32_t* status);
+JQ_API int32_t Compact_to_Matrix_head(JQ_IN JQArrF64 packed, JQ_OUT JQMatF64 a, JQ_OUT int32_t* status);
+JQ_API int32_t CxCompact_to_Matrix_head(JQ_IN JQArrC128 packed, JQ_OUT JQMatC128 a, JQ_OUT int32_t* status);
+JQ_API int32_t MatrixToCompact_H(JQ_IN JQMatF64 a, JQ_OUT JQArrF64 packed);
+JQ_API int32_t CxMatrixToCompact_H(JQ_IN JQMatC128 a, JQ_OUT JQArrC128 packed);
+JQ_API int32_t CompactToMatrix_H(JQ_IN JQArrF64 packed, JQ_OUT JQMatF64 a);
+JQ_API int32_t CxCompactToMatrix_H(JQ_IN JQArrC128 packed, JQ_OUT JQMatC128 a);
+JQ_API int32_t Cholesky_head(JQ_IN JQMatF64 a, JQ_OUT JQArrF64 factor, JQ_OUT int32_t* status);
+JQ_API int32_t CxCholesky_head(JQ_IN JQMatC128 a, JQ_OUT JQArrC128 factor, JQ_OUT int32_t* status);
+JQ_API int32_t CholeskyLinEqs_head(JQ_IN JQArrF64 factor, JQ_IN JQArrF64 b, JQ_OUT JQArrF64 x, JQ_OUT int32_t* status);
+JQ_API int32_t CxCholeskyLinEqs_head(JQ_IN JQArrC128 factor, JQ_IN JQArrC128 b, JQ_OUT JQArrC128 x, JQ_OUT int32_t* status);
+JQ_API int32_t Cholesky_InvMatrix_head(JQ_IN JQArrF64 factor, JQ_OUT JQMatF64 inverse, JQ_OUT int32_t* status);
+JQ_API int32_t CxCholesky_InvMatrix_head(JQ_IN JQArrC128 factor, JQ_OUT JQMatC128 inverse, JQ_OUT int32_t* status);
+JQ_API int32_t TriLinEqs_head(JQ_IN JQArrF64 l, JQ_IN JQArrF64 b, JQ_OUT JQArrF64 x, JQ_OUT int32_t* status);
+JQ_API int32_t CxTriLinEqs_head(JQ_IN JQArrC128 l, JQ_IN JQArrC128 b, JQ_OUT JQArrC128 x, JQ_OUT int32_t* status);
+JQ_API int32_t TriEqsSetDri_head(JQ_IN JQArrF64 l, JQ_IN JQMatF64 b, JQ_OUT JQMatF64 x, JQ_OUT int32_t* status);
+JQ_API int32_t CxTriEqsSetDri_head(JQ_IN JQArrC128 l, JQ_IN JQMatC128 b, JQ_OUT JQMatC128 x, JQ_OUT int32_t* status);
+JQ_API int32_t Tri_InvMatrix_head(JQ_IN JQArrF64 l, JQ_OUT JQArrF64 inverse, JQ_OUT int32_t* status);
+JQ_API int32_t CxTri_InvMatrix_head(JQ_IN JQArrC128 l, JQ_OUT JQArrC128 inverse, JQ_OUT int32_t* status);
+
+/* Sylvester A X + X B = C (A m x m, B n x n, C m x n) and Lyapunov
+ * A X + X A^H = C equations, by the Schur forms; A and -B sharing an
+ * eigenvalue: -20041. */
+JQ_API int32_t Sylvester_head(JQ_IN JQMatF64 a, JQ_IN JQMatF64 b, JQ_IN JQMatF64 c, JQ_OUT JQMatF64 x, JQ_OUT int32_t* status);
+JQ_API int32_t CxSylvester_head(JQ_IN JQMatC128 a, JQ_IN JQMatC128 b, JQ_IN JQMatC128 c, JQ_OUT JQMatC128 x, JQ_OUT int32_t* status);
+JQ_API int32_t Lyapunov_head(JQ_IN JQMatF64 a, JQ_IN JQMatF64 c, JQ_OUT JQMatF64 x, JQ_OUT int32_t* status);
+JQ_API int32_t CxLyapunov_head(JQ_IN JQMatC128 a, JQ_IN JQMatC128 c, JQ_OUT JQMatC128 x, JQ_OUT int32_t* status);
+
+/* Banded systems: the full square A, of which kl sub-diagonals and ku
+ * super-diagonals are used (negative: -20004). */
+JQ_API int32_t BandEqsDriH(JQ_IN JQMatF64 a, int32_t kl, int32_t ku, JQ_IN JQArrF64 b, JQ_OUT JQArrF64 x, JQ_OUT int32_t* status);
+JQ_API int32_t CxBandEqsDriH(JQ_IN JQMatC128 a, int32_t kl, int32_t ku, JQ_IN JQArrC128 b, JQ_OUT JQArrC128 x, JQ_OUT int32_t* status);
+JQ_API int32_t BandEqsSetDriH(JQ_IN JQMatF64 a, int32_t kl, int32_t ku, JQ_IN JQMatF64 b, JQ_OUT JQMatF64 x, JQ_OUT int32_t* status);
+JQ_API int32_t CxBandEqsSetDriH(JQ_IN JQMatC128 a, int32_t kl, int32_t ku, JQ_IN JQMatC128 b, JQ_OUT JQMatC128 x, JQ_OUT int32_t* status);
+
+/* Balancing B = D^-1 P^T A P D (job 0 none, 1 permute, 2 scale, 3 both):
+ * scale holds the permutations and factors as LAPACK's balancing encodes
+ * them, ilo..ihi (0-based) the rows and columns not isolated. EigenVBack_head
+ * turns eigenvectors of B (columns, in place; side 0 right, 1 left) into
+ * those of A with the same job, scale, ilo and ihi. */
+JQ_API int32_t MatrixBalance_head(JQ_IN JQMatF64 a, int32_t job, JQ_OUT JQMatF64 b, JQ_OUT JQArrF64 scale, JQ_OUT int32_t* ilo, JQ_OUT int32_t* ihi, JQ_OUT int32_t* status);
+JQ_API int32_t CxMatrixBalance_head(JQ_IN JQMatC128 a, int32_t job, JQ_OUT JQMatC128 b, JQ_OUT JQArrF64 scale, JQ_OUT int32_t* ilo, JQ_OUT int32_t* ihi, JQ_OUT int32_t* status);
+JQ_API int32_t EigenVBack_head(JQ_INOUT JQMatF64 vectors, JQ_IN JQArrF64 scale, int32_t ilo, int32_t ihi, int32_t job, int32_t side, JQ_OUT int32_t* status);
+JQ_API int32_t CxEigenVBack_head(JQ_INOUT JQMatC128 vectors, JQ_IN JQArrF64 scale, int32_t ilo, int32_t ihi, int32_t job, int32_t side, JQ_OUT int32_t* status);
+
 #ifdef __cplusplus
 }
 #endif

@@ -9,6 +9,9 @@
 #include "linalg/basic.hpp"
 #include "linalg/decompose.hpp"
 #include "linalg/dense.hpp"
+#include "linalg/functions.hpp"
+#include "linalg/packed.hpp"
+#include "linalg/structured.hpp"
 #include "linalg/svd.hpp"
 
 using namespace jq;
@@ -21,6 +24,11 @@ template <class T> using Mat = Array2<const T>;
 int64_t count(int32_t rows, int32_t cols) { return int64_t{rows} * cols; }
 template <class T> bool non_finite(const Mat<T>& a) { return has_non_finite(a.data(), count(a.rows(), a.cols())); }
 template <class T> bool non_finite(const Array1<const T>& v) { return has_non_finite(v.data(), v.size()); }
+
+// A scalar output the caller did not provide is written to a local instead.
+#define JQ_SCALAR_OUT(p) \
+  std::remove_pointer_t<decltype(p)> p##_local{}; \
+  if (!p) p = &p##_local
 
 // The status argument is cleared on entry.
 void clear(int32_t* status) {
@@ -53,6 +61,7 @@ template <class T> int32_t square_checks(const Mat<T>& a) {
 }
 
 template <class T> int32_t determinant_export(Handle m, int32_t type, typename Scalar<T>::type* det, int32_t* status) {
+  JQ_SCALAR_OUT(det);
   clear(status);
   Mat<T> a(m);
   int32_t code = a.empty() ? kEmptyInput : a.rows() != a.cols() ? kDimMismatch : kOk;
@@ -87,32 +96,50 @@ template <class T> int32_t inverse_export(Handle m, Handle inv, int32_t* status)
   return out.report(inverse_lu(a.data(), a.rows(), res.data()), status);
 }
 
-// A x = b with b a vector (Dims 1) or a matrix of right-hand sides (Dims 2).
-template <class T, int Dims> int32_t solve_export(Handle m, Handle rhs, Handle x, int32_t* status) {
+// Right-hand sides of a solver: a vector (Dims 1) or a matrix (Dims 2).
+template <class T, int Dims> struct Rhs {
+  int32_t rows, k;
+  const T* data;
+  explicit Rhs(Handle h) {
+    if constexpr (Dims == 1) {
+      Array1<const T> v(h);
+      rows = v.size(), k = 1, data = v.data();
+    } else {
+      Mat<T> v(h);
+      rows = v.rows(), k = v.cols(), data = v.data();
+    }
+  }
+};
+
+template <class T, int Dims> bool size_solution(Outputs& out, Out<T, Dims>& x, int32_t rows, int32_t k) {
+  if constexpr (Dims == 1)
+    return out.size(x, rows);
+  else
+    return out.size(x, rows, k);
+}
+
+// Solvers of A X = B with B a vector (Dims 1) or a matrix of right-hand
+// sides (Dims 2): empty, A not square (where it must be), B's rows, then
+// finiteness; the solution has columns(A) rows.
+template <class T, int Dims, class F>
+int32_t solver_export(Handle m, Handle rhs, Handle x, bool square, int32_t* status, F compute) {
   clear(status);
   Mat<T> a(m);
+  Rhs<T, Dims> b(rhs);
   Out<T, Dims> res(x);
   Outputs out(res);
-  int32_t rows, k;
-  const T* b;
-  if constexpr (Dims == 1) {
-    Array1<const T> v(rhs);
-    rows = v.size(), k = 1, b = v.data();
-  } else {
-    Mat<T> v(rhs);
-    rows = v.rows(), k = v.cols(), b = v.data();
-  }
-  if (a.empty() || rows < 1 || k < 1) return out.report(kEmptyInput, status);
-  if (a.rows() != a.cols()) return out.report(kDimMismatch, status);
-  if (rows != a.rows()) return out.report(Dims == 1 ? kLengthMismatch : kIncompatibleDims, status);
-  if (non_finite(a) || has_non_finite(b, count(rows, k))) return out.report(kNonFiniteMatrix, status);
-  bool sized;
-  if constexpr (Dims == 1)
-    sized = out.size(res, rows);
-  else
-    sized = out.size(res, rows, k);
-  if (!sized) return out.report(kNoMemory, status);
-  return out.report(solve_lu(a.data(), rows, b, k, res.data()), status);
+  if (a.empty() || b.rows < 1 || b.k < 1) return out.report(kEmptyInput, status);
+  if (square && a.rows() != a.cols()) return out.report(kDimMismatch, status);
+  if (b.rows != a.rows()) return out.report(Dims == 1 ? kLengthMismatch : kIncompatibleDims, status);
+  if (non_finite(a) || has_non_finite(b.data, count(b.rows, b.k))) return out.report(kNonFiniteMatrix, status);
+  if (!size_solution(out, res, a.cols(), b.k)) return out.report(kNoMemory, status);
+  return out.report(compute(a, b, res.data()), status);
+}
+
+template <class T, int Dims> int32_t solve_export(Handle m, Handle rhs, Handle x, int32_t* status) {
+  return solver_export<T, Dims>(m, rhs, x, true, status, [](const Mat<T>& a, const Rhs<T, Dims>& b, T* res) {
+    return solve_lu(a.data(), b.rows, b.data, b.k, res);
+  });
 }
 
 }  // namespace
@@ -184,6 +211,7 @@ template <class T> int32_t transpose_export(Handle m, Handle t, int32_t* status)
 }
 
 template <class T> int32_t trace_export(Handle m, typename Scalar<T>::type* tr, int32_t* status) {
+  JQ_SCALAR_OUT(tr);
   clear(status);
   Mat<T> a(m);
   if (a.empty()) return report_value(kEmptyInput, tr, status);
@@ -192,6 +220,7 @@ template <class T> int32_t trace_export(Handle m, typename Scalar<T>::type* tr, 
 }
 
 template <class T> int32_t norm_export(Handle m, int32_t type, double* norm, int32_t* status, bool cond) {
+  JQ_SCALAR_OUT(norm);
   return scalar_of_matrix<T>(m, false, type >= 0 && type <= 3, norm, status, [&](const Mat<T>& a) -> int32_t {
     if (!cond) return matrix_norm(a.data(), a.rows(), a.cols(), type, norm);
     if (type != 0 && a.rows() != a.cols()) return kDimMismatch;
@@ -200,6 +229,7 @@ template <class T> int32_t norm_export(Handle m, int32_t type, double* norm, int
 }
 
 template <class T> int32_t rank_export(Handle m, double tol, int32_t* rank, int32_t* status) {
+  JQ_SCALAR_OUT(rank);
   clear(status);
   *rank = -1;
   Mat<T> a(m);
@@ -222,6 +252,7 @@ template <class T> int32_t pinv_export(Handle m, double tol, Handle p, int32_t* 
 }
 
 template <class T> int32_t dot_export(Handle x, Handle y, typename Scalar<T>::type* dot, int32_t* status) {
+  JQ_SCALAR_OUT(dot);
   clear(status);
   Array1<const T> u(x), v(y);
   int32_t code = u.empty() || v.empty() ? kEmptyInput : u.size() != v.size() ? kLengthMismatch : ready();
@@ -278,6 +309,7 @@ template <class T> int32_t vectxa_export(Handle x, Handle m, Handle y, int32_t a
 }
 
 template <class T> int32_t vector_norm_export(Handle x, double p, int32_t normalize, double* norm, int32_t* status) {
+  JQ_SCALAR_OUT(norm);
   clear(status);
   Array1<T> v(x);
   int32_t code = v.empty() ? kEmptyInput : std::isnan(p) ? kNonFiniteMatrix : p == 0 ? kZeroNormOrder : kOk;
@@ -463,80 +495,33 @@ template <class T> int32_t singular_values_export(Handle m, Handle s, int32_t* s
   return out.report(singular_values(a.data(), a.rows(), a.cols(), so.data()), status);
 }
 
-template <class T> int32_t eigen_export(Handle m, Handle values, Handle vectors, int32_t* status) {
+// Eigenvalues (V) and eigenvectors (X) of a square matrix.
+template <class T, class V, class X, class F>
+int32_t eigen_export(Handle m, Handle values, Handle vectors, int32_t* status, F compute) {
   clear(status);
   Mat<T> a(m);
-  Out<cdouble> vo(values);
-  Out2<cdouble> xo(vectors);
+  Out<V> vo(values);
+  Out2<X> xo(vectors);
   Outputs out(vo, xo);
   if (int32_t code = square_checks(a)) return out.report(code, status);
   if (!out.size(vo, a.rows()) || !out.size(xo, a.rows(), a.rows())) return out.report(kNoMemory, status);
-  return out.report(eigen(a.data(), a.rows(), vo.data(), xo.data()), status);
-}
-
-template <class T> int32_t symmetric_eigen_export(Handle m, Handle values, Handle vectors, int32_t* status) {
-  clear(status);
-  Mat<T> a(m);
-  Out<double> vo(values);
-  Out2<T> xo(vectors);
-  Outputs out(vo, xo);
-  if (int32_t code = square_checks(a)) return out.report(code, status);
-  if (!out.size(vo, a.rows()) || !out.size(xo, a.rows(), a.rows())) return out.report(kNoMemory, status);
-  return out.report(eigen_symmetric(a.data(), a.rows(), vo.data(), xo.data()), status);
-}
-
-// Right-hand sides of a solver: a vector (Dims 1) or a matrix (Dims 2).
-template <class T, int Dims> struct Rhs {
-  int32_t rows, k;
-  const T* data;
-  explicit Rhs(Handle h) {
-    if constexpr (Dims == 1) {
-      Array1<const T> v(h);
-      rows = v.size(), k = 1, data = v.data();
-    } else {
-      Mat<T> v(h);
-      rows = v.rows(), k = v.cols(), data = v.data();
-    }
-  }
-};
-
-template <class T, int Dims> bool size_solution(Outputs& out, Out<T, Dims>& x, int32_t rows, int32_t k) {
-  if constexpr (Dims == 1)
-    return out.size(x, rows);
-  else
-    return out.size(x, rows, k);
+  return out.report(compute(a.data(), a.rows(), vo.data(), xo.data()), status);
 }
 
 // General (possibly non-square) least squares. warn_ok turns the
 // rank-deficiency warning into success.
 template <class T, int Dims>
 int32_t least_squares_export(Handle m, Handle rhs, double tol, bool force_svd, bool warn_ok, Handle x, int32_t* status) {
-  clear(status);
-  Mat<T> a(m);
-  Rhs<T, Dims> b(rhs);
-  Out<T, Dims> res(x);
-  Outputs out(res);
-  if (a.empty() || b.rows < 1 || b.k < 1) return out.report(kEmptyInput, status);
-  if (b.rows != a.rows()) return out.report(Dims == 1 ? kLengthMismatch : kIncompatibleDims, status);
-  if (non_finite(a) || has_non_finite(b.data, count(b.rows, b.k))) return out.report(kNonFiniteMatrix, status);
-  if (!size_solution(out, res, a.cols(), b.k)) return out.report(kNoMemory, status);
-  int32_t code = least_squares(a.data(), a.rows(), a.cols(), b.data, b.k, tol, force_svd, res.data());
-  if (warn_ok && code == kWarnRankDeficient) code = kOk;
-  return out.report(code, status);
+  return solver_export<T, Dims>(m, rhs, x, false, status, [&](const Mat<T>& a, const Rhs<T, Dims>& b, T* res) {
+    const int32_t code = least_squares(a.data(), a.rows(), a.cols(), b.data, b.k, tol, force_svd, res);
+    return warn_ok && code == kWarnRankDeficient ? kOk : code;
+  });
 }
 
 template <class T, int Dims> int32_t cholesky_solve_export(Handle m, Handle rhs, Handle x, int32_t* status) {
-  clear(status);
-  Mat<T> a(m);
-  Rhs<T, Dims> b(rhs);
-  Out<T, Dims> res(x);
-  Outputs out(res);
-  if (a.empty() || b.rows < 1 || b.k < 1) return out.report(kEmptyInput, status);
-  if (a.rows() != a.cols()) return out.report(kDimMismatch, status);
-  if (b.rows != a.rows()) return out.report(Dims == 1 ? kLengthMismatch : kIncompatibleDims, status);
-  if (non_finite(a) || has_non_finite(b.data, count(b.rows, b.k))) return out.report(kNonFiniteMatrix, status);
-  if (!size_solution(out, res, b.rows, b.k)) return out.report(kNoMemory, status);
-  return out.report(solve_cholesky(a.data(), b.rows, b.data, b.k, res.data()), status);
+  return solver_export<T, Dims>(m, rhs, x, true, status, [](const Mat<T>& a, const Rhs<T, Dims>& b, T* res) {
+    return solve_cholesky(a.data(), b.rows, b.data, b.k, res);
+  });
 }
 
 // Reporting shape (a) with the singular values as the second output: the
@@ -608,16 +593,16 @@ JQ_EXPORT int32_t CxSVDEx_head(JQMatC128 a, JQMatC128 u, JQMatF64 s, JQMatC128 v
 JQ_EXPORT int32_t SVDS_head(JQMatF64 a, JQArrF64 s, int32_t* status) { return singular_values_export<double>(a, s, status); }
 JQ_EXPORT int32_t CxSVDS_head(JQMatC128 a, JQArrF64 s, int32_t* status) { return singular_values_export<cdouble>(a, s, status); }
 JQ_EXPORT int32_t EigenValueVector_head(JQMatF64 a, JQArrC128 values, JQMatC128 vectors, int32_t* status) {
-  return eigen_export<double>(a, values, vectors, status);
+  return eigen_export<double, cdouble, cdouble>(a, values, vectors, status, eigen<double>);
 }
 JQ_EXPORT int32_t CxEigenValueVector_head(JQMatC128 a, JQArrC128 values, JQMatC128 vectors, int32_t* status) {
-  return eigen_export<cdouble>(a, values, vectors, status);
+  return eigen_export<cdouble, cdouble, cdouble>(a, values, vectors, status, eigen<cdouble>);
 }
 JQ_EXPORT int32_t SymEvectorEvalue_head(JQMatF64 a, JQArrF64 values, JQMatF64 vectors, int32_t* status) {
-  return symmetric_eigen_export<double>(a, values, vectors, status);
+  return eigen_export<double, double, double>(a, values, vectors, status, eigen_symmetric<double>);
 }
 JQ_EXPORT int32_t CxSymEvectorEvalue_head(JQMatC128 a, JQArrF64 values, JQMatC128 vectors, int32_t* status) {
-  return symmetric_eigen_export<cdouble>(a, values, vectors, status);
+  return eigen_export<cdouble, double, cdouble>(a, values, vectors, status, eigen_symmetric<cdouble>);
 }
 JQ_EXPORT int32_t EqsByCholeskyDri_head(JQMatF64 a, JQArrF64 b, JQArrF64 x, int32_t* status) {
   return cholesky_solve_export<double, 1>(a, b, x, status);
@@ -666,4 +651,463 @@ JQ_EXPORT int32_t EqsSetBySVDDri82_head(JQMatF64 a, JQMatF64 b, double tolerance
 }
 JQ_EXPORT int32_t CxEqsSetBySVDDri82_head(JQMatC128 a, JQMatC128 b, double tolerance, JQMatC128 x, int32_t* status) {
   return least_squares_export<cdouble, 2>(a, b, tolerance, false, false, x, status);
+}
+
+// ---- given factors, structures, properties and forms ---------------------------------------
+
+namespace {
+
+// LU factors and pivots as LU_head returns them.
+template <class T, class F> int32_t from_lu_export(Handle lu, Handle piv, Handle out_h, int dims, int32_t* status, F compute) {
+  clear(status);
+  Mat<T> f(lu);
+  Array1<const int32_t> p(piv);
+  Out<T> vec(out_h);
+  Out2<T> mat(out_h);
+  Outputs out1(vec), out2(mat);
+  Outputs& out = dims == 1 ? out1 : out2;
+  const int32_t n = f.rows();
+  int32_t code = f.empty() || p.empty() ? kEmptyInput : f.rows() != f.cols() ? kDimMismatch
+                 : p.size() != n ? kLengthMismatch : non_finite(f) ? kNonFiniteMatrix : kOk;
+  for (int32_t i = 0; !code && i < n; ++i)
+    if (p[i] < i || p[i] >= n) code = kBadSelector;
+  if (code) return out.report(code, status);
+  return compute(f, p, out, vec, mat);
+}
+
+template <class T> int32_t lu_solve_export(Handle lu, Handle piv, Handle b, Handle x, int32_t* status) {
+  Array1<const T> v(b);
+  if (v.empty() || Mat<T>(lu).empty()) {
+    Out<T> o(x);
+    Outputs out(o);
+    clear(status);
+    return out.report(kEmptyInput, status);
+  }
+  return from_lu_export<T>(lu, piv, x, 1, status, [&](const Mat<T>& f, const Array1<const int32_t>& p, Outputs& out, Out<T>& vec, Out2<T>&) {
+    if (v.size() != f.rows()) return out.report(kLengthMismatch, status);
+    if (non_finite(v)) return out.report(kNonFiniteMatrix, status);
+    if (!out.size(vec, f.rows())) return out.report(kNoMemory, status);
+    return out.report(lu_solve(f.data(), p.data(), f.rows(), v.data(), vec.data()), status);
+  });
+}
+
+template <class T> int32_t lu_inverse_export(Handle lu, Handle piv, Handle inv, int32_t* status) {
+  return from_lu_export<T>(lu, piv, inv, 2, status, [&](const Mat<T>& f, const Array1<const int32_t>& p, Outputs& out, Out<T>&, Out2<T>& mat) {
+    if (!out.size(mat, f.rows(), f.rows())) return out.report(kNoMemory, status);
+    return out.report(lu_inverse(f.data(), p.data(), f.rows(), mat.data()), status);
+  });
+}
+
+template <int Dims> int32_t tridiagonal_export(Handle sub, Handle diag, Handle super, Handle rhs, Handle x, int32_t* status) {
+  clear(status);
+  Array1<const double> dl(sub), d(diag), du(super);
+  Rhs<double, Dims> b(rhs);
+  Out<double, Dims> res(x);
+  Outputs out(res);
+  const int32_t n = d.size();
+  if (d.empty() || b.rows < 1 || b.k < 1 || (n > 1 && (dl.empty() || du.empty()))) return out.report(kEmptyInput, status);
+  if ((n > 1 && (dl.size() != n - 1 || du.size() != n - 1)) || b.rows != n) return out.report(kLengthMismatch, status);
+  if (has_non_finite(d.data(), n) || (n > 1 && (non_finite(dl) || non_finite(du))) || has_non_finite(b.data, count(n, b.k)))
+    return out.report(kNonFiniteMatrix, status);
+  if (!size_solution(out, res, n, b.k)) return out.report(kNoMemory, status);
+  return out.report(tridiagonal_solve(dl.data(), d.data(), du.data(), n, b.data, b.k, res.data()), status);
+}
+
+// Property tests: 1 or 0 in the result, -1 on an error.
+template <class T> int32_t property_export(Handle m, int kind, int32_t* result, int32_t* status) {
+  JQ_SCALAR_OUT(result);
+  clear(status);
+  *result = -1;
+  Mat<T> a(m);
+  int32_t code = square_checks(a);
+  if (!code && kind == 0) *result = is_symmetric(a.data(), a.rows());
+  if (!code && kind != 0) code = is_positive_definite(a.data(), a.rows(), kind == 2, result);
+  if (code < 0) *result = -1;
+  if (status) *status = code;
+  return 0;
+}
+
+// Two square outputs of one square matrix (Hessenberg, Schur).
+template <class T, class F> int32_t two_forms_export(Handle m, Handle f1, Handle f2, int32_t* status, F compute) {
+  clear(status);
+  Mat<T> a(m);
+  Out2<T> o1(f1), o2(f2);
+  Outputs out(o1, o2);
+  if (int32_t code = square_checks(a)) return out.report(code, status);
+  const int32_t n = a.rows();
+  if (!out.size(o1, n, n) || !out.size(o2, n, n)) return out.report(kNoMemory, status);
+  return out.report(compute(a.data(), n, o1.data(), o2.data()), status);
+}
+
+template <class T> int32_t char_poly_export(Handle m, Handle coef, int32_t* status) {
+  clear(status);
+  Mat<T> a(m);
+  Out<T> c(coef);
+  Outputs out(c);
+  if (int32_t code = square_checks(a)) return out.report(code, status);
+  if (!out.size(c, a.rows() + 1)) return out.report(kNoMemory, status);
+  return out.report(characteristic_polynomial(a.data(), a.rows(), c.data()), status);
+}
+
+}  // namespace
+
+JQ_EXPORT int32_t LULinEqs_head(JQMatF64 lu, JQArrI32 pivots, JQArrF64 b, JQArrF64 x, int32_t* status) {
+  return lu_solve_export<double>(lu, pivots, b, x, status);
+}
+JQ_EXPORT int32_t CxLULinEqs_head(JQMatC128 lu, JQArrI32 pivots, JQArrC128 b, JQArrC128 x, int32_t* status) {
+  return lu_solve_export<cdouble>(lu, pivots, b, x, status);
+}
+JQ_EXPORT int32_t LUInvMatrix_head(JQMatF64 lu, JQArrI32 pivots, JQMatF64 inverse, int32_t* status) {
+  return lu_inverse_export<double>(lu, pivots, inverse, status);
+}
+JQ_EXPORT int32_t CxLUInvMatrix_head(JQMatC128 lu, JQArrI32 pivots, JQMatC128 inverse, int32_t* status) {
+  return lu_inverse_export<cdouble>(lu, pivots, inverse, status);
+}
+JQ_EXPORT int32_t TriDiagEqsByLU_head(JQArrF64 sub, JQArrF64 diag, JQArrF64 super, JQArrF64 b, JQArrF64 x, int32_t* status) {
+  return tridiagonal_export<1>(sub, diag, super, b, x, status);
+}
+JQ_EXPORT int32_t TriDiagEqsSetByLU_head(JQArrF64 sub, JQArrF64 diag, JQArrF64 super, JQMatF64 b, JQMatF64 x, int32_t* status) {
+  return tridiagonal_export<2>(sub, diag, super, b, x, status);
+}
+JQ_EXPORT int32_t CheckSym_head(JQMatF64 a, int32_t* result, int32_t* status) { return property_export<double>(a, 0, result, status); }
+JQ_EXPORT int32_t CxCheckSym_head(JQMatC128 a, int32_t* result, int32_t* status) { return property_export<cdouble>(a, 0, result, status); }
+JQ_EXPORT int32_t CheckPosdef_head(JQMatF64 a, int32_t* result, int32_t* status) { return property_export<double>(a, 1, result, status); }
+JQ_EXPORT int32_t CxCheckPosdef_head(JQMatC128 a, int32_t* result, int32_t* status) {
+  return property_export<cdouble>(a, 1, result, status);
+}
+JQ_EXPORT int32_t CheckPosSemiDef_head(JQMatF64 a, int32_t* result, int32_t* status) {
+  return property_export<double>(a, 2, result, status);
+}
+JQ_EXPORT int32_t CxCheckPosSemiDef_head(JQMatC128 a, int32_t* result, int32_t* status) {
+  return property_export<cdouble>(a, 2, result, status);
+}
+JQ_EXPORT int32_t Hessenberg_head(JQMatF64 a, JQMatF64 h, JQMatF64 q, int32_t* status) {
+  return two_forms_export<double>(a, h, q, status, hessenberg<double>);
+}
+JQ_EXPORT int32_t CxHessenberg_head(JQMatC128 a, JQMatC128 h, JQMatC128 q, int32_t* status) {
+  return two_forms_export<cdouble>(a, h, q, status, hessenberg<cdouble>);
+}
+JQ_EXPORT int32_t Schur_head(JQMatF64 a, JQMatF64 s, JQMatF64 z, int32_t* status) {
+  return two_forms_export<double>(a, s, z, status, schur<double>);
+}
+JQ_EXPORT int32_t CxSchur_head(JQMatC128 a, JQMatC128 s, JQMatC128 z, int32_t* status) {
+  return two_forms_export<cdouble>(a, s, z, status, schur<cdouble>);
+}
+JQ_EXPORT int32_t MatrixCharacteristicPoly_head(JQMatF64 a, JQArrF64 coefficients, int32_t* status) {
+  return char_poly_export<double>(a, coefficients, status);
+}
+JQ_EXPORT int32_t CxMatrixCharacteristicPoly_head(JQMatC128 a, JQArrC128 coefficients, int32_t* status) {
+  return char_poly_export<cdouble>(a, coefficients, status);
+}
+
+// ---- matrix functions ----------------------------------------------------------------------
+
+namespace {
+
+// Functions whose value is complex for real matrices too (root, logarithm).
+template <class T, class F> int32_t complex_function_export(Handle m, Handle x, int32_t* status, F compute) {
+  clear(status);
+  Mat<T> a(m);
+  Out2<cdouble> res(x);
+  Outputs out(res);
+  if (int32_t code = square_checks(a)) return out.report(code, status);
+  if (!out.size(res, a.rows(), a.rows())) return out.report(kNoMemory, status);
+  return out.report(compute(a.data(), a.rows(), res.data()), status);
+}
+
+template <class T> int32_t from_eigen_export(Handle values, Handle vectors, Handle r, int32_t* status) {
+  clear(status);
+  Array1<const T> w(values);
+  Mat<T> v(vectors);
+  Out2<T> res(r);
+  Outputs out(res);
+  if (w.empty() || v.empty()) return out.report(kEmptyInput, status);
+  if (v.rows() != v.cols()) return out.report(kDimMismatch, status);
+  if (w.size() != v.rows()) return out.report(kLengthMismatch, status);
+  if (non_finite(w) || non_finite(v)) return out.report(kNonFiniteMatrix, status);
+  if (!out.size(res, v.rows(), v.rows())) return out.report(kNoMemory, status);
+  return out.report(from_eigen(w.data(), v.data(), v.rows(), res.data()), status);
+}
+
+}  // namespace
+
+JQ_EXPORT int32_t MatrixExp_head(JQMatF64 a, JQMatF64 e, int32_t* status) {
+  return square_to_square<double>(a, e, status, matrix_exp<double>);
+}
+JQ_EXPORT int32_t CxMatrixExp_head(JQMatC128 a, JQMatC128 e, int32_t* status) {
+  return square_to_square<cdouble>(a, e, status, matrix_exp<cdouble>);
+}
+JQ_EXPORT int32_t MatrixPower_head(JQMatF64 a, int32_t p, JQMatF64 r, int32_t* status) {
+  return square_to_square<double>(a, r, status, [p](const double* x, int32_t n, double* y) { return matrix_power(x, n, p, y); });
+}
+JQ_EXPORT int32_t CxMatrixPower_head(JQMatC128 a, int32_t p, JQMatC128 r, int32_t* status) {
+  return square_to_square<cdouble>(a, r, status, [p](const cdouble* x, int32_t n, cdouble* y) { return matrix_power(x, n, p, y); });
+}
+JQ_EXPORT int32_t MatrixSqrt_head(JQMatF64 a, JQMatC128 x, int32_t* status) {
+  return complex_function_export<double>(a, x, status, matrix_sqrt<double>);
+}
+JQ_EXPORT int32_t CxMatrixSqrt_head(JQMatC128 a, JQMatC128 x, int32_t* status) {
+  return complex_function_export<cdouble>(a, x, status, matrix_sqrt<cdouble>);
+}
+JQ_EXPORT int32_t MatrixLn_head(JQMatF64 a, JQMatC128 l, int32_t* status) {
+  return complex_function_export<double>(a, l, status, matrix_log<double>);
+}
+JQ_EXPORT int32_t CxMatrixLn_head(JQMatC128 a, JQMatC128 l, int32_t* status) {
+  return complex_function_export<cdouble>(a, l, status, matrix_log<cdouble>);
+}
+JQ_EXPORT int32_t CreateMatrixFromEVs_head(JQArrF64 values, JQMatF64 vectors, JQMatF64 a, int32_t* status) {
+  return from_eigen_export<double>(values, vectors, a, status);
+}
+JQ_EXPORT int32_t CxCreateMatrixFromEVs_head(JQArrC128 values, JQMatC128 vectors, JQMatC128 a, int32_t* status) {
+  return from_eigen_export<cdouble>(values, vectors, a, status);
+}
+
+// ---- packed storage ------------------------------------------------------------------------
+
+namespace {
+
+// A packed triangle (1-D) and its order; -20002 when the length is not a
+// triangular number.
+template <class T> struct Packed {
+  Array1<const T> v;
+  int32_t n;
+  explicit Packed(Handle h) : v(h), n(packed_order(v.size())) {}
+  int32_t check() const { return v.empty() ? kEmptyInput : n < 0 ? kLengthMismatch : has_non_finite(v.data(), v.size()) ? kNonFiniteMatrix : kOk; }
+};
+
+template <class T> int32_t to_packed_export(Handle m, Handle p, int32_t* status, bool factor) {
+  clear(status);
+  Mat<T> a(m);
+  Out<T> res(p);
+  Outputs out(res);
+  if (int32_t code = square_checks(a)) return out.report(code, status);
+  const int32_t n = a.rows();
+  if (int64_t{n} * (n + 1) / 2 > INT32_MAX) return out.report(kNoMemory, status);
+  if (!out.size(res, n * (n + 1) / 2)) return out.report(kNoMemory, status);
+  if (!factor) {
+    pack_lower(a.data(), n, res.data());
+    return out.report(kOk, status);
+  }
+  return out.report(cholesky_packed(a.data(), n, res.data()), status);
+}
+
+// A packed triangle in, a full matrix (unpack, inverse) or a packed one out.
+template <class T, class F> int32_t from_packed_export(Handle p, Handle r, bool packed_out, int32_t* status, F compute) {
+  clear(status);
+  Packed<T> f(p);
+  Out<T> vec(r);
+  Out2<T> mat(r);
+  Outputs out1(vec), out2(mat);
+  Outputs& out = packed_out ? out1 : out2;
+  if (int32_t code = f.check()) return out.report(code, status);
+  const bool sized = packed_out ? out.size(vec, f.v.size()) : out.size(mat, f.n, f.n);
+  if (!sized) return out.report(kNoMemory, status);
+  return out.report(compute(f.v.data(), f.n, packed_out ? vec.data() : mat.data()), status);
+}
+
+template <class T, int Dims, class F> int32_t packed_solve_export(Handle p, Handle rhs, Handle x, int32_t* status, F compute) {
+  clear(status);
+  Packed<T> f(p);
+  Rhs<T, Dims> b(rhs);
+  Out<T, Dims> res(x);
+  Outputs out(res);
+  if (f.v.empty() || b.rows < 1 || b.k < 1) return out.report(kEmptyInput, status);
+  if (f.n < 0 || b.rows != f.n) return out.report(Dims == 1 || f.n < 0 ? kLengthMismatch : kIncompatibleDims, status);
+  if (int32_t code = f.check()) return out.report(code, status);
+  if (has_non_finite(b.data, count(b.rows, b.k))) return out.report(kNonFiniteMatrix, status);
+  if (!size_solution(out, res, f.n, b.k)) return out.report(kNoMemory, status);
+  return out.report(compute(f.v.data(), f.n, b.data, b.k, res.data()), status);
+}
+
+template <class T> int32_t unpack(const T* p, int32_t n, T* a) {
+  unpack_hermitian(p, n, a);
+  return kOk;
+}
+
+}  // namespace
+
+JQ_EXPORT int32_t Matrix_to_Compact_head(JQMatF64 a, JQArrF64 packed, int32_t* status) {
+  return to_packed_export<double>(a, packed, status, false);
+}
+JQ_EXPORT int32_t CxMatrix_to_Compact_head(JQMatC128 a, JQArrC128 packed, int32_t* status) {
+  return to_packed_export<cdouble>(a, packed, status, false);
+}
+JQ_EXPORT int32_t Compact_to_Matrix_head(JQArrF64 packed, JQMatF64 a, int32_t* status) {
+  return from_packed_export<double>(packed, a, false, status, unpack<double>);
+}
+JQ_EXPORT int32_t CxCompact_to_Matrix_head(JQArrC128 packed, JQMatC128 a, int32_t* status) {
+  return from_packed_export<cdouble>(packed, a, false, status, unpack<cdouble>);
+}
+JQ_EXPORT int32_t MatrixToCompact_H(JQMatF64 a, JQArrF64 packed) {
+  int32_t status;
+  to_packed_export<double>(a, packed, &status, false);
+  return status;
+}
+JQ_EXPORT int32_t CxMatrixToCompact_H(JQMatC128 a, JQArrC128 packed) {
+  int32_t status;
+  to_packed_export<cdouble>(a, packed, &status, false);
+  return status;
+}
+JQ_EXPORT int32_t CompactToMatrix_H(JQArrF64 packed, JQMatF64 a) {
+  int32_t status;
+  from_packed_export<double>(packed, a, false, &status, unpack<double>);
+  return status;
+}
+JQ_EXPORT int32_t CxCompactToMatrix_H(JQArrC128 packed, JQMatC128 a) {
+  int32_t status;
+  from_packed_export<cdouble>(packed, a, false, &status, unpack<cdouble>);
+  return status;
+}
+JQ_EXPORT int32_t Cholesky_head(JQMatF64 a, JQArrF64 factor, int32_t* status) {
+  return to_packed_export<double>(a, factor, status, true);
+}
+JQ_EXPORT int32_t CxCholesky_head(JQMatC128 a, JQArrC128 factor, int32_t* status) {
+  return to_packed_export<cdouble>(a, factor, status, true);
+}
+JQ_EXPORT int32_t CholeskyLinEqs_head(JQArrF64 factor, JQArrF64 b, JQArrF64 x, int32_t* status) {
+  return packed_solve_export<double, 1>(factor, b, x, status, cholesky_packed_solve<double>);
+}
+JQ_EXPORT int32_t CxCholeskyLinEqs_head(JQArrC128 factor, JQArrC128 b, JQArrC128 x, int32_t* status) {
+  return packed_solve_export<cdouble, 1>(factor, b, x, status, cholesky_packed_solve<cdouble>);
+}
+JQ_EXPORT int32_t Cholesky_InvMatrix_head(JQArrF64 factor, JQMatF64 inverse, int32_t* status) {
+  return from_packed_export<double>(factor, inverse, false, status, cholesky_packed_inverse<double>);
+}
+JQ_EXPORT int32_t CxCholesky_InvMatrix_head(JQArrC128 factor, JQMatC128 inverse, int32_t* status) {
+  return from_packed_export<cdouble>(factor, inverse, false, status, cholesky_packed_inverse<cdouble>);
+}
+JQ_EXPORT int32_t TriLinEqs_head(JQArrF64 l, JQArrF64 b, JQArrF64 x, int32_t* status) {
+  return packed_solve_export<double, 1>(l, b, x, status, triangular_packed_solve<double>);
+}
+JQ_EXPORT int32_t CxTriLinEqs_head(JQArrC128 l, JQArrC128 b, JQArrC128 x, int32_t* status) {
+  return packed_solve_export<cdouble, 1>(l, b, x, status, triangular_packed_solve<cdouble>);
+}
+JQ_EXPORT int32_t TriEqsSetDri_head(JQArrF64 l, JQMatF64 b, JQMatF64 x, int32_t* status) {
+  return packed_solve_export<double, 2>(l, b, x, status, triangular_packed_solve<double>);
+}
+JQ_EXPORT int32_t CxTriEqsSetDri_head(JQArrC128 l, JQMatC128 b, JQMatC128 x, int32_t* status) {
+  return packed_solve_export<cdouble, 2>(l, b, x, status, triangular_packed_solve<cdouble>);
+}
+JQ_EXPORT int32_t Tri_InvMatrix_head(JQArrF64 l, JQArrF64 inverse, int32_t* status) {
+  return from_packed_export<double>(l, inverse, true, status, triangular_packed_inverse<double>);
+}
+JQ_EXPORT int32_t CxTri_InvMatrix_head(JQArrC128 l, JQArrC128 inverse, int32_t* status) {
+  return from_packed_export<cdouble>(l, inverse, true, status, triangular_packed_inverse<cdouble>);
+}
+
+// ---- Sylvester and Lyapunov equations, banded systems ---------------------------------------
+
+namespace {
+
+// A X + X B = C (lyapunov: B = A^H, with B's handle unused).
+template <class T> int32_t sylvester_export(Handle ha, Handle hb, Handle hc, Handle x, bool lyapunov, int32_t* status) {
+  clear(status);
+  Mat<T> a(ha), b(lyapunov ? ha : hb), c(hc);
+  Out2<T> res(x);
+  Outputs out(res);
+  if (a.empty() || b.empty() || c.empty()) return out.report(kEmptyInput, status);
+  if (a.rows() != a.cols() || b.rows() != b.cols()) return out.report(kDimMismatch, status);
+  if (c.rows() != a.rows() || c.cols() != b.rows()) return out.report(kIncompatibleDims, status);
+  if (non_finite(a) || non_finite(b) || non_finite(c)) return out.report(kNonFiniteMatrix, status);
+  if (!out.size(res, c.rows(), c.cols())) return out.report(kNoMemory, status);
+  return out.report(sylvester(a.data(), a.rows(), b.data(), b.rows(), lyapunov, c.data(), res.data()), status);
+}
+
+template <class T, int Dims> int32_t band_export(Handle m, int32_t kl, int32_t ku, Handle rhs, Handle x, int32_t* status) {
+  if (kl < 0 || ku < 0) {
+    clear(status);
+    Out<T, Dims> res(x);
+    Outputs out(res);
+    return out.report(kNegativeSize, status);
+  }
+  return solver_export<T, Dims>(m, rhs, x, true, status, [&](const Mat<T>& a, const Rhs<T, Dims>& b, T* res) {
+    const int32_t n = a.rows();
+    return band_solve(a.data(), n, std::min(kl, n - 1), std::min(ku, n - 1), b.data, b.k, res);
+  });
+}
+
+}  // namespace
+
+JQ_EXPORT int32_t Sylvester_head(JQMatF64 a, JQMatF64 b, JQMatF64 c, JQMatF64 x, int32_t* status) {
+  return sylvester_export<double>(a, b, c, x, false, status);
+}
+JQ_EXPORT int32_t CxSylvester_head(JQMatC128 a, JQMatC128 b, JQMatC128 c, JQMatC128 x, int32_t* status) {
+  return sylvester_export<cdouble>(a, b, c, x, false, status);
+}
+JQ_EXPORT int32_t Lyapunov_head(JQMatF64 a, JQMatF64 c, JQMatF64 x, int32_t* status) {
+  return sylvester_export<double>(a, nullptr, c, x, true, status);
+}
+JQ_EXPORT int32_t CxLyapunov_head(JQMatC128 a, JQMatC128 c, JQMatC128 x, int32_t* status) {
+  return sylvester_export<cdouble>(a, nullptr, c, x, true, status);
+}
+JQ_EXPORT int32_t BandEqsDriH(JQMatF64 a, int32_t kl, int32_t ku, JQArrF64 b, JQArrF64 x, int32_t* status) {
+  return band_export<double, 1>(a, kl, ku, b, x, status);
+}
+JQ_EXPORT int32_t CxBandEqsDriH(JQMatC128 a, int32_t kl, int32_t ku, JQArrC128 b, JQArrC128 x, int32_t* status) {
+  return band_export<cdouble, 1>(a, kl, ku, b, x, status);
+}
+JQ_EXPORT int32_t BandEqsSetDriH(JQMatF64 a, int32_t kl, int32_t ku, JQMatF64 b, JQMatF64 x, int32_t* status) {
+  return band_export<double, 2>(a, kl, ku, b, x, status);
+}
+JQ_EXPORT int32_t CxBandEqsSetDriH(JQMatC128 a, int32_t kl, int32_t ku, JQMatC128 b, JQMatC128 x, int32_t* status) {
+  return band_export<cdouble, 2>(a, kl, ku, b, x, status);
+}
+
+// ---- balancing -----------------------------------------------------------------------------
+
+namespace {
+
+template <class T>
+int32_t balance_export(Handle m, int32_t job, Handle b, Handle scale, int32_t* ilo, int32_t* ihi, int32_t* status) {
+  clear(status);
+  JQ_SCALAR_OUT(ilo);
+  JQ_SCALAR_OUT(ihi);
+  *ilo = *ihi = -1;
+  Mat<T> a(m);
+  Out2<T> bo(b);
+  Out<double> so(scale);
+  Outputs out(bo, so);
+  int32_t code = a.empty() ? kEmptyInput : a.rows() != a.cols() ? kDimMismatch : job < 0 || job > 3 ? kBadSelector : kOk;
+  if (!code && non_finite(a)) code = kNonFiniteMatrix;
+  if (code) return out.report(code, status);
+  const int32_t n = a.rows();
+  if (!out.size(bo, n, n) || !out.size(so, n)) return out.report(kNoMemory, status);
+  int32_t lo, hi;
+  code = balance(a.data(), n, job, bo.data(), so.data(), &lo, &hi);
+  if (!code) *ilo = lo, *ihi = hi;
+  return out.report(code, status);
+}
+
+template <class T>
+int32_t balance_back_export(Handle vectors, Handle scale, int32_t ilo, int32_t ihi, int32_t job, int32_t side, int32_t* status) {
+  clear(status);
+  Mat<T> v(vectors);
+  Array1<const double> s(scale);
+  Out2<T> vo(vectors);
+  Outputs out(vo);
+  const int32_t n = v.rows();
+  int32_t code = v.empty() || s.empty() ? kEmptyInput : s.size() != n ? kLengthMismatch : kOk;
+  if (!code && (job < 0 || job > 3 || side < 0 || side > 1 || ilo < 0 || ihi < ilo || ihi >= n)) code = kBadSelector;
+  if (!code && (non_finite(v) || non_finite(s))) code = kNonFiniteMatrix;
+  if (code) return out.report(code, status);
+  return out.report(balance_back(const_cast<T*>(v.data()), n, v.cols(), s.data(), ilo, ihi, job, side), status);
+}
+
+}  // namespace
+
+JQ_EXPORT int32_t MatrixBalance_head(JQMatF64 a, int32_t job, JQMatF64 b, JQArrF64 scale, int32_t* ilo, int32_t* ihi,
+                                     int32_t* status) {
+  return balance_export<double>(a, job, b, scale, ilo, ihi, status);
+}
+JQ_EXPORT int32_t CxMatrixBalance_head(JQMatC128 a, int32_t job, JQMatC128 b, JQArrF64 scale, int32_t* ilo, int32_t* ihi,
+                                       int32_t* status) {
+  return balance_export<cdouble>(a, job, b, scale, ilo, ihi, status);
+}
+JQ_EXPORT int32_t EigenVBack_head(JQMatF64 vectors, JQArrF64 scale, int32_t ilo, int32_t ihi, int32_t job, int32_t side,
+                                  int32_t* status) {
+  return balance_back_export<double>(vectors, scale, ilo, ihi, job, side, status);
+}
+JQ_EXPORT int32_t CxEigenVBack_head(JQMatC128 vectors, JQArrF64 scale, int32_t ilo, int32_t ihi, int32_t job, int32_t side,
+                                    int32_t* status) {
+  return balance_back_export<cdouble>(vectors, scale, ilo, ihi, job, side, status);
 }

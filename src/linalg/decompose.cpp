@@ -8,15 +8,6 @@
 namespace jq::linalg {
 namespace {
 
-template <class T> I work_size(T query) { return std::max<I>(static_cast<I>(std::real(query)), 1); }
-
-template <class T> T conj_of(T x) {
-  if constexpr (std::is_same_v<T, double>)
-    return x;
-  else
-    return std::conj(x);
-}
-
 // Zeroes the strictly upper (or lower) triangle of a row-major n x n matrix.
 template <class T> void zero_triangle(T* a, int32_t n, bool upper) {
   for (int32_t i = 0; i < n; ++i)
@@ -46,27 +37,27 @@ template <class T> int32_t lu(T* a, int32_t m, int32_t n, int32_t* pivots, int32
 
 // LAPACK sees the row-major data as A^T = conj(A); its upper factor U
 // (A^T = U^H U) read back row-major is the lower factor L = U^T of A.
-template <class T> int32_t cholesky(const T* a, int32_t n, T* l) {
+template <class T> int32_t cholesky_factor(const T* a, int32_t n, Buffer<T>& c) {
   if (int32_t rc = ready()) return rc;
-  Buffer<T> c;
   if (c.allocate(int64_t{n} * n)) return kNoMemory;
   std::memcpy(static_cast<void*>(c.data()), a, sizeof(T) * static_cast<size_t>(n) * n);
   I info = 0;
   Blas<T>::potrf('U', n, c.data(), n, &info);
-  if (info > 0) return kNotPosDef;
+  return info > 0 ? kNotPosDef : kOk;
+}
+
+template <class T> int32_t cholesky(const T* a, int32_t n, T* l) {
+  Buffer<T> c;
+  if (int32_t rc = cholesky_factor(a, n, c)) return rc;
   std::memcpy(static_cast<void*>(l), c.data(), sizeof(T) * static_cast<size_t>(n) * n);
   zero_triangle(l, n, true);
   return kOk;
 }
 
 template <class T> int32_t inverse_cholesky(const T* a, int32_t n, T* inv) {
-  if (int32_t rc = ready()) return rc;
   Buffer<T> c;
-  if (c.allocate(int64_t{n} * n)) return kNoMemory;
-  std::memcpy(static_cast<void*>(c.data()), a, sizeof(T) * static_cast<size_t>(n) * n);
+  if (int32_t rc = cholesky_factor(a, n, c)) return rc;
   I info = 0;
-  Blas<T>::potrf('U', n, c.data(), n, &info);
-  if (info > 0) return kNotPosDef;
   Blas<T>::potri('U', n, c.data(), n, &info);
   if (info > 0) return kSingular;
   // The inverse stands in the lower triangle of the row-major view.
@@ -119,13 +110,13 @@ template <class T> int32_t qr(const T* a, int32_t m, int32_t n, T* q, T* r, int3
     if (c.allocate(int64_t{m} * n)) return kNoMemory;
     std::memcpy(static_cast<void*>(c.data()), a, sizeof(T) * static_cast<size_t>(m) * n);
     Blas<T>::gelqf(n, m, c.data(), n, tau.data(), &query, -1, &info);
-    if (work.allocate(work_size(query))) return kNoMemory;
-    Blas<T>::gelqf(n, m, c.data(), n, tau.data(), work.data(), work_size(query), &info);
+    if (work.allocate(workspace(query))) return kNoMemory;
+    Blas<T>::gelqf(n, m, c.data(), n, tau.data(), work.data(), workspace(query), &info);
     for (int32_t i = 0; i < k; ++i)
       for (int32_t j = 0; j < n; ++j) r[static_cast<size_t>(i) * n + j] = j < i ? T(0.0) : c[static_cast<size_t>(i) * n + j];
     Blas<T>::orglq(k, m, k, c.data(), n, tau.data(), &query, -1, &info);
-    if (work.allocate(work_size(query))) return kNoMemory;
-    Blas<T>::orglq(k, m, k, c.data(), n, tau.data(), work.data(), work_size(query), &info);
+    if (work.allocate(workspace(query))) return kNoMemory;
+    Blas<T>::orglq(k, m, k, c.data(), n, tau.data(), work.data(), workspace(query), &info);
     for (int32_t i = 0; i < m; ++i)
       std::memcpy(static_cast<void*>(q + static_cast<size_t>(i) * k), c.data() + static_cast<size_t>(i) * n, sizeof(T) * k);
     return kOk;
@@ -134,14 +125,14 @@ template <class T> int32_t qr(const T* a, int32_t m, int32_t n, T* q, T* r, int3
   if (to_column_major(a, m, n, c, m) || jpvt.allocate(n) || rwork.allocate(2 * int64_t{n})) return kNoMemory;
   std::fill(jpvt.data(), jpvt.data() + n, 0);
   Blas<T>::geqp3(m, n, c.data(), m, jpvt.data(), tau.data(), &query, -1, rwork.data(), &info);
-  if (work.allocate(work_size(query))) return kNoMemory;
-  Blas<T>::geqp3(m, n, c.data(), m, jpvt.data(), tau.data(), work.data(), work_size(query), rwork.data(), &info);
+  if (work.allocate(workspace(query))) return kNoMemory;
+  Blas<T>::geqp3(m, n, c.data(), m, jpvt.data(), tau.data(), work.data(), workspace(query), rwork.data(), &info);
   for (int32_t i = 0; i < k; ++i)
     for (int32_t j = 0; j < n; ++j) r[static_cast<size_t>(i) * n + j] = j < i ? T(0.0) : c[static_cast<size_t>(j) * m + i];
   for (int32_t j = 0; j < n; ++j) pivots[j] = jpvt[j] - 1;
   Blas<T>::orgqr(m, k, k, c.data(), m, tau.data(), &query, -1, &info);
-  if (work.allocate(work_size(query))) return kNoMemory;
-  Blas<T>::orgqr(m, k, k, c.data(), m, tau.data(), work.data(), work_size(query), &info);
+  if (work.allocate(workspace(query))) return kNoMemory;
+  Blas<T>::orgqr(m, k, k, c.data(), m, tau.data(), work.data(), workspace(query), &info);
   from_column_major(c.data(), m, m, k, q);
   return kOk;
 }
@@ -157,8 +148,8 @@ template <class T> int32_t eigen(const T* a, int32_t n, cdouble* values, cdouble
     Buffer<double> wr, wi;
     if (wr.allocate(n) || wi.allocate(n)) return kNoMemory;
     JQ_CALL(dgeev, "N", "V", &n, c.data(), &n, wr.data(), wi.data(), nullptr, &one, vr.data(), &n, &query, &minus1, &info);
-    if (work.allocate(work_size(query))) return kNoMemory;
-    const I lwork = work_size(query);
+    if (work.allocate(workspace(query))) return kNoMemory;
+    const I lwork = workspace(query);
     JQ_CALL(dgeev, "N", "V", &n, c.data(), &n, wr.data(), wi.data(), nullptr, &one, vr.data(), &n, work.data(), &lwork, &info);
     if (info > 0) return kNoConvergence;
     // A complex pair keeps its vector as real and imaginary columns j, j + 1.
@@ -178,7 +169,7 @@ template <class T> int32_t eigen(const T* a, int32_t n, cdouble* values, cdouble
     Buffer<double> rwork;
     if (rwork.allocate(2 * int64_t{n})) return kNoMemory;
     JQ_CALL(zgeev, "N", "V", &n, c.data(), &n, values, nullptr, &one, vr.data(), &n, &query, &minus1, rwork.data(), &info);
-    const I lwork = work_size(query);
+    const I lwork = workspace(query);
     if (work.allocate(lwork)) return kNoMemory;
     JQ_CALL(zgeev, "N", "V", &n, c.data(), &n, values, nullptr, &one, vr.data(), &n, work.data(), &lwork, rwork.data(), &info);
     if (info > 0) return kNoConvergence;
@@ -197,7 +188,7 @@ template <class T> int32_t eigen_symmetric(const T* a, int32_t n, double* values
   double rquery = 0;
   I iquery = 0, info = 0;
   Blas<T>::syevd(n, c.data(), w.data(), &query, -1, &rquery, -1, &iquery, -1, &info);
-  const I lwork = work_size(query), lrwork = std::max<I>(static_cast<I>(rquery), 1), liwork = std::max<I>(iquery, 1);
+  const I lwork = workspace(query), lrwork = std::max<I>(static_cast<I>(rquery), 1), liwork = std::max<I>(iquery, 1);
   if (work.allocate(lwork) || rwork.allocate(lrwork) || iwork.allocate(liwork)) return kNoMemory;
   Blas<T>::syevd(n, c.data(), w.data(), work.data(), lwork, rwork.data(), lrwork, iwork.data(), liwork, &info);
   if (info > 0) return kNoConvergence;

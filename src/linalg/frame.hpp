@@ -15,6 +15,7 @@
 #include <complex>
 #include <cstddef>
 #include <cstdint>
+#include <type_traits>
 
 #include "frame/errors.hpp"
 #include "frame/scratch.hpp"
@@ -80,6 +81,21 @@ bool has_non_finite(const cdouble* x, int64_t count);
 // The min(rows, cols) singular values of a row-major matrix, descending.
 int32_t singular_values(const double* a, int32_t rows, int32_t cols, double* values);
 int32_t singular_values(const cdouble* a, int32_t rows, int32_t cols, double* values);
+
+// The work size a LAPACK workspace query returned (in its first element),
+// at least at_least.
+template <class T> I workspace(T query, int64_t at_least = 1) {
+  const double q = std::real(query);
+  return static_cast<I>(q > static_cast<double>(at_least) ? q : static_cast<double>(at_least));
+}
+
+// Complex conjugate, the identity for real data.
+template <class T> T conj_of(T x) {
+  if constexpr (std::is_same_v<T, double>)
+    return x;
+  else
+    return std::conj(x);
+}
 
 // Default tolerance of rank and pseudo-inverse decisions.
 inline double default_tolerance(int32_t rows, int32_t cols, double smax) {

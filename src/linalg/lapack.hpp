@@ -78,6 +78,37 @@ void sig_dgelqf(const I*, const I*, double*, const I*, double*, double*, const I
 void sig_zgelqf(const I*, const I*, cdouble*, const I*, cdouble*, cdouble*, const I*, I*);
 void sig_dorglq(const I*, const I*, const I*, double*, const I*, const double*, double*, const I*, I*);
 void sig_zunglq(const I*, const I*, const I*, cdouble*, const I*, const cdouble*, cdouble*, const I*, I*);
+void sig_dgttrf(const I*, double*, double*, double*, double*, I*, I*);
+void sig_dgttrs(const char*, const I*, const I*, const double*, const double*, const double*, const double*, const I*,
+                double*, const I*, I*);
+void sig_dgehrd(const I*, const I*, const I*, double*, const I*, double*, double*, const I*, I*);
+void sig_zgehrd(const I*, const I*, const I*, cdouble*, const I*, cdouble*, cdouble*, const I*, I*);
+void sig_dorghr(const I*, const I*, const I*, double*, const I*, const double*, double*, const I*, I*);
+void sig_zunghr(const I*, const I*, const I*, cdouble*, const I*, const cdouble*, cdouble*, const I*, I*);
+void sig_dgees(const char*, const char*, void*, const I*, double*, const I*, I*, double*, double*, double*, const I*,
+               double*, const I*, I*, I*);
+void sig_zgees(const char*, const char*, void*, const I*, cdouble*, const I*, I*, cdouble*, cdouble*, const I*,
+               cdouble*, const I*, double*, I*, I*);
+void sig_dpptrf(const char*, const I*, double*, I*);
+void sig_zpptrf(const char*, const I*, cdouble*, I*);
+void sig_dpptrs(const char*, const I*, const I*, const double*, double*, const I*, I*);
+void sig_zpptrs(const char*, const I*, const I*, const cdouble*, cdouble*, const I*, I*);
+void sig_dpptri(const char*, const I*, double*, I*);
+void sig_zpptri(const char*, const I*, cdouble*, I*);
+void sig_dtptrs(const char*, const char*, const char*, const I*, const I*, const double*, double*, const I*, I*);
+void sig_ztptrs(const char*, const char*, const char*, const I*, const I*, const cdouble*, cdouble*, const I*, I*);
+void sig_dtptri(const char*, const char*, const I*, double*, I*);
+void sig_ztptri(const char*, const char*, const I*, cdouble*, I*);
+void sig_dtrsyl(const char*, const char*, const I*, const I*, const I*, const double*, const I*, const double*,
+                const I*, double*, const I*, double*, I*);
+void sig_ztrsyl(const char*, const char*, const I*, const I*, const I*, const cdouble*, const I*, const cdouble*,
+                const I*, cdouble*, const I*, double*, I*);
+void sig_dgbsv(const I*, const I*, const I*, const I*, double*, const I*, I*, double*, const I*, I*);
+void sig_zgbsv(const I*, const I*, const I*, const I*, cdouble*, const I*, I*, cdouble*, const I*, I*);
+void sig_dgebal(const char*, const I*, double*, const I*, I*, I*, double*, I*);
+void sig_zgebal(const char*, const I*, cdouble*, const I*, I*, I*, double*, I*);
+void sig_dgebak(const char*, const char*, const I*, const I*, const I*, const double*, const I*, double*, const I*, I*);
+void sig_zgebak(const char*, const char*, const I*, const I*, const I*, const double*, const I*, cdouble*, const I*, I*);
 
 // Per-type names of the operations written once for real and complex data.
 template <class T> struct Blas;
@@ -130,6 +161,34 @@ template <> struct Blas<double> {
     JQ_CALL(dorglq, &m, &n, &k, a, &lda, tau, work, &lwork, info);
   }
   // Symmetric eigenproblem; rwork is unused for real data.
+  static void trsyl(I m, I n, const double* a, const double* b, double* c, double* scale, I* info) {
+    const I one = 1;
+    JQ_CALL(dtrsyl, "N", "N", &one, &m, &n, a, &m, b, &n, c, &m, scale, info);
+  }
+  static void gbsv(I n, I kl, I ku, I k, double* ab, I ldab, I* ipiv, double* b, I* info) {
+    JQ_CALL(dgbsv, &n, &kl, &ku, &k, ab, &ldab, ipiv, b, &n, info);
+  }
+  static void gebal(char job, I n, double* a, I* ilo, I* ihi, double* scale, I* info) {
+    JQ_CALL(dgebal, &job, &n, a, &n, ilo, ihi, scale, info);
+  }
+  static void gebak(char job, char side, I n, I ilo, I ihi, const double* scale, I m, double* v, I* info) {
+    JQ_CALL(dgebak, &job, &side, &n, &ilo, &ihi, scale, &m, v, &n, info);
+  }
+  static void pptrf(I n, double* ap, I* info) { JQ_CALL(dpptrf, "U", &n, ap, info); }
+  static void pptrs(I n, I k, const double* ap, double* b, I* info) { JQ_CALL(dpptrs, "U", &n, &k, ap, b, &n, info); }
+  static void pptri(I n, double* ap, I* info) { JQ_CALL(dpptri, "U", &n, ap, info); }
+  static void tptrs(I n, I k, const double* ap, double* b, I* info) {
+    JQ_CALL(dtptrs, "U", "T", "N", &n, &k, ap, b, &n, info);
+  }
+  static void tptri(I n, double* ap, I* info) { JQ_CALL(dtptri, "U", "N", &n, ap, info); }
+  static void gehrd(I n, double* a, double* tau, double* work, I lwork, I* info) {
+    const I one = 1;
+    JQ_CALL(dgehrd, &n, &one, &n, a, &n, tau, work, &lwork, info);
+  }
+  static void orghr(I n, double* a, const double* tau, double* work, I lwork, I* info) {
+    const I one = 1;
+    JQ_CALL(dorghr, &n, &one, &n, a, &n, tau, work, &lwork, info);
+  }
   static void syevd(I n, double* a, double* w, double* work, I lwork, double*, I, I* iwork, I liwork, I* info) {
     JQ_CALL(dsyevd, "V", "L", &n, a, &n, w, work, &lwork, iwork, &liwork, info);
   }
@@ -190,6 +249,34 @@ template <> struct Blas<cdouble> {
   }
   static void orglq(I m, I n, I k, cdouble* a, I lda, const cdouble* tau, cdouble* work, I lwork, I* info) {
     JQ_CALL(zunglq, &m, &n, &k, a, &lda, tau, work, &lwork, info);
+  }
+  static void trsyl(I m, I n, const cdouble* a, const cdouble* b, cdouble* c, double* scale, I* info) {
+    const I one = 1;
+    JQ_CALL(ztrsyl, "N", "N", &one, &m, &n, a, &m, b, &n, c, &m, scale, info);
+  }
+  static void gbsv(I n, I kl, I ku, I k, cdouble* ab, I ldab, I* ipiv, cdouble* b, I* info) {
+    JQ_CALL(zgbsv, &n, &kl, &ku, &k, ab, &ldab, ipiv, b, &n, info);
+  }
+  static void gebal(char job, I n, cdouble* a, I* ilo, I* ihi, double* scale, I* info) {
+    JQ_CALL(zgebal, &job, &n, a, &n, ilo, ihi, scale, info);
+  }
+  static void gebak(char job, char side, I n, I ilo, I ihi, const double* scale, I m, cdouble* v, I* info) {
+    JQ_CALL(zgebak, &job, &side, &n, &ilo, &ihi, scale, &m, v, &n, info);
+  }
+  static void pptrf(I n, cdouble* ap, I* info) { JQ_CALL(zpptrf, "U", &n, ap, info); }
+  static void pptrs(I n, I k, const cdouble* ap, cdouble* b, I* info) { JQ_CALL(zpptrs, "U", &n, &k, ap, b, &n, info); }
+  static void pptri(I n, cdouble* ap, I* info) { JQ_CALL(zpptri, "U", &n, ap, info); }
+  static void tptrs(I n, I k, const cdouble* ap, cdouble* b, I* info) {
+    JQ_CALL(ztptrs, "U", "T", "N", &n, &k, ap, b, &n, info);
+  }
+  static void tptri(I n, cdouble* ap, I* info) { JQ_CALL(ztptri, "U", "N", &n, ap, info); }
+  static void gehrd(I n, cdouble* a, cdouble* tau, cdouble* work, I lwork, I* info) {
+    const I one = 1;
+    JQ_CALL(zgehrd, &n, &one, &n, a, &n, tau, work, &lwork, info);
+  }
+  static void orghr(I n, cdouble* a, const cdouble* tau, cdouble* work, I lwork, I* info) {
+    const I one = 1;
+    JQ_CALL(zunghr, &n, &one, &n, a, &n, tau, work, &lwork, info);
   }
   static void syevd(I n, cdouble* a, double* w, cdouble* work, I lwork, double* rwork, I lrwork, I* iwork, I liwork,
                     I* info) {

@@ -7,14 +7,6 @@
 #include "linalg/dense.hpp"
 
 namespace jq::linalg {
-namespace {
-
-template <class T> I work_size(T query, int64_t at_least) {
-  return static_cast<I>(std::max<double>(std::real(query), static_cast<double>(at_least)));
-}
-
-}  // namespace
-
 // The row-major data, read column-major, is A^T (n x m). Its decomposition
 // U' S V'^H gives A = conj(V') S (conj U')^H, and LAPACK's column-major
 // V'^H and U' read back row-major are exactly A's U and V^H.
@@ -42,7 +34,7 @@ template <class T> int32_t svd(const T* a, int32_t m, int32_t n, char job, doubl
   I info = 0;
   T query = 0.0;
   Blas<T>::gesdd(job, n, m, c.data(), n, sb.data(), lu, ldu, lvt, ldvt, &query, -1, rwork.data(), iwork.data(), &info);
-  const I lwork = work_size(query, 1);
+  const I lwork = workspace(query, 1);
   if (work.allocate(lwork)) return kNoMemory;
   Blas<T>::gesdd(job, n, m, c.data(), n, sb.data(), lu, ldu, lvt, ldvt, work.data(), lwork, rwork.data(),
                  iwork.data(), &info);
@@ -125,7 +117,7 @@ int32_t by_gelsd(const double* a, int32_t m, int32_t n, const double* b, int32_t
           &info);
   const int32_t levels = static_cast<int32_t>(std::floor(std::log2(static_cast<double>(k))));
   Scratch<I> iwork;
-  const I lwork = work_size(query, 1);
+  const I lwork = workspace(query, 1);
   if (work.allocate(lwork) ||
       iwork.allocate(static_cast<size_t>(std::max<int64_t>((3 * int64_t{levels} + 14) * k, iquery))))
     return kNoMemory;

@@ -14,17 +14,8 @@ namespace {
 
 using lt::cd;
 
-// Row-major product of plain arrays, for reconstructions.
-template <class T> std::vector<T> mul(const T* a, const T* b, int m, int k, int n) {
-  std::vector<T> r(m * n);
-  for (int i = 0; i < m; ++i)
-    for (int j = 0; j < n; ++j) {
-      T s = 0.0;
-      for (int t = 0; t < k; ++t) s += a[i * k + t] * b[t * n + j];
-      r[i * n + j] = s;
-    }
-  return r;
-}
+using lt::mul;
+
 template <class T> T cj(T x) {
   if constexpr (std::is_same_v<T, cd>) return std::conj(x); else return x;
 }

@@ -198,6 +198,15 @@ TEST(Dense, Rejections) {
   EXPECT_EQ(e, -20040);
   EXPECT_EQ(Determinant_head(nullptr, 0, &det, &e), 0);
   EXPECT_EQ(e, -20003);
+  // Scalar outputs and statuses the caller left out are not written.
+  jqrt::Array<double> v{1, 2};
+  EXPECT_EQ(Determinant_head(sq3.h(), 0, nullptr, nullptr), 0);
+  EXPECT_EQ(Norm_head(sq3.h(), 0, nullptr, nullptr), 0);
+  EXPECT_EQ(Rank_head(sq3.h(), -1, nullptr, nullptr), 0);
+  EXPECT_EQ(DotProduct_head(v.h(), v.h(), nullptr, nullptr), 0);
+  EXPECT_EQ(vectorNormH(v.h(), 2, 0, nullptr, nullptr), 0);
+  EXPECT_EQ(CheckSym_head(sq3.h(), nullptr, nullptr), 0);
+  EXPECT_EQ(Trace_head(sq3.h(), nullptr, nullptr), 0);
 }
 
 // Every failed internal allocation is -20001, and no module block survives.

@@ -35,6 +35,18 @@ template <class T> double rel_error(const T* got, const double* want, int n) {
   return err / scale;
 }
 
+// Row-major product of plain arrays, for reconstructions.
+template <class T> std::vector<T> mul(const T* a, const T* b, int m, int k, int n) {
+  std::vector<T> r(m * n);
+  for (int i = 0; i < m; ++i)
+    for (int j = 0; j < n; ++j) {
+      T s = 0.0;
+      for (int t = 0; t < k; ++t) s += a[i * k + t] * b[t * n + j];
+      r[i * n + j] = s;
+    }
+  return r;
+}
+
 // Every module block of a call is released, whatever the path.
 struct NoBufferLeft {
   int64_t before = jq::linalg::live_buffers();
