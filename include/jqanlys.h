@@ -75,5 +75,7 @@ typedef struct JQErrorCluster {
 #include "jqanlys/fir.h"
 #include "jqanlys/sigops.h"
 #include "jqanlys/integration.h"
+#include "jqanlys/fitting.h"
+#include "jqanlys/geometry.h"
 
 #endif

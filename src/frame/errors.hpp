@@ -77,6 +77,14 @@ enum Code : int32_t {
 
   // FIR design.
   kDesignFailed = -20031,       // too few taps, non-finite input, inconsistent bands, no convergence
+
+  // Curve fitting.
+  kFewerPointsThanCoefs = -20037,  // fewer points than free coefficients
+  kBadDegreesOfFreedom = -20052,   // degrees of freedom at or above the point count, or below 1
+  kNegativeOrder = -20103,         // a polynomial order below 0
+  kRobustFailed = -20116,          // too many points weighted to zero, or a non-finite MSE
+  kAllButOneWeightZero = -20141,   // exactly n - 1 zero weights in a straight-line fit
+  kWarnHighOrder = 20031,          // warning: constrained polynomial of order above 25
 };
 
 }  // namespace jq
