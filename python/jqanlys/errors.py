@@ -1,0 +1,63 @@
+"""The library's codes as Python exceptions and warnings.
+
+Every export reports an int32 code: 0 for success, a negative code for an
+error (the outputs are then empty), a positive code of the same magnitude for
+a warning (the outputs are valid). The library itself carries no texts; the
+readable messages below are this package's."""
+
+MESSAGES = {
+    -20001: "out of memory: an output array could not be resized or working memory could not be allocated",
+    -20002: "the two inputs must have the same length",
+    -20003: "an input array is empty but must hold data",
+    -20004: "a dimension, length or count is negative",
+    -20006: "at least 2 samples are needed",
+    -20007: "at least 3 samples are needed",
+    -20008: "arrays processed element by element differ in length, or a requested output size is below 1",
+    -20010: "a requested size exceeds 8388608 elements",
+    -20012: "a value lies outside (0, n/2] for an input of n samples",
+    -20013: "an index or count lies outside [1, n-1]",
+    -20014: "the start index and length reach outside the array",
+    -20016: "a spacing, interval or scale must be positive",
+    -20017: "an index or offset is at or beyond its dimension",
+    -20021: "an order, count or number of taps must be 1 or more",
+    -20022: "a rank or position k lies outside [1, n]",
+    -20027: "a value that must be positive (the argument of a logarithm) is zero or negative",
+    -20033: "a length or order must be odd",
+    -20040: "matrix dimensions do not agree",
+    -20041: "the linear system is singular",
+    -20053: "a value must lie strictly between 0 and 1",
+    -20060: "division by a complex zero",
+    -20061: "a selector or parameter is outside its allowed set",
+    -20063: "the number of points, samples or iterations must be 1 or more",
+    -20069: "at least 4 samples are needed",
+    -20070: "matrix dimensions do not agree (second pair of dimensions)",
+    -20115: "the transform length must be positive",
+    -20140: "a shape parameter (order, width, frequency, bandwidth or attenuation) must be positive",
+    -20999: "internal error: a transform table does not match its length, or its lock could not be made",
+}
+
+
+def message(code):
+    """Readable text for a code; warnings read as their error's text."""
+    text = MESSAGES.get(-abs(code))
+    if text is None:
+        return f"library code {code}"
+    return text if code < 0 else f"warning: {text}"
+
+
+class JQError(Exception):
+    """An export failed. `code` is the library's code, `export` the C name."""
+
+    def __init__(self, code, export=None):
+        self.code, self.export = code, export
+        where = f"{export}: " if export else ""
+        super().__init__(f"{where}{message(code)} ({code})")
+
+
+class JQWarning(UserWarning):
+    """An export succeeded with a warning; its results are valid."""
+
+    def __init__(self, code, export=None):
+        self.code, self.export = code, export
+        where = f"{export}: " if export else ""
+        super().__init__(f"{where}{message(code)} (+{code})")
