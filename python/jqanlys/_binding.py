@@ -97,6 +97,7 @@ class _Pool:
     def put(self, h):
         if h.view is not None and h.view.nbytes > _KEEP_BYTES:
             self._resize(h, (0,) * self.rank)
+            h.view = h.vkey = None
         if len(self.free) < 4:
             self.free.append(h)
         else:

@@ -97,9 +97,10 @@ def gaussian(M, sigma, sym=True):
     return _x.GaussWinH(np.ones(M), sigma)
 
 
-def tukey(M, alpha=0.5):
-    """Cosine-tapered window: a fraction alpha of the length tapered."""
-    return _x.CosTaperedH(np.ones(M), alpha)
+def cosine_tapered(M, ratio=0.5):
+    """Cosine-tapered window: a fraction `ratio` of the length tapered (its
+    taper length is rounded to whole samples, so it is not scipy's tukey)."""
+    return _x.CosTaperedH(np.ones(M), ratio)
 
 
 def exponential(M, final):

@@ -1,7 +1,9 @@
 # Installs the build into a fresh prefix, then builds and runs a small
 # consumer against the installed tree twice: through find_package and
-# through pkg-config.
+# through pkg-config; last, the installed Python package finds its libraries
+# and header by itself.
 # -DBUILD_DIR=... -DWORK=... -DSOURCE=consumer dir -DCXX=compiler -DGENERATOR=... -DLIBDIR=lib
+# -DPYTHON=interpreter -DPYDIR=lib/python3/dist-packages
 function(run)
   execute_process(COMMAND ${ARGN} RESULT_VARIABLE rc OUTPUT_VARIABLE out ERROR_VARIABLE err)
   if(NOT rc EQUAL 0)
@@ -32,3 +34,15 @@ run(${CXX} -std=c++17 ${SOURCE}/main.cpp -o ${WORK}/pc-consumer ${flags})
 set(ENV{LD_LIBRARY_PATH} ${WORK}/moved/${LIBDIR})
 run(${WORK}/pc-consumer)
 message(STATUS "pkg-config consumer: ${out}")
+
+unset(ENV{LD_LIBRARY_PATH})
+unset(ENV{JQANLYS_LIBDIR})
+unset(ENV{JQANLYS_INCLUDE})
+set(ENV{PYTHONPATH} ${WORK}/moved/${PYDIR})
+set(ENV{PYTHONDONTWRITEBYTECODE} 1)
+run(${PYTHON} -c "import jqanlys; print(jqanlys.__file__, jqanlys.spectrum([1.0, 1.0, 1.0, 1.0]))")
+string(FIND "${out}" "${WORK}/moved/" at)
+if(NOT at EQUAL 0 OR NOT out MATCHES "\\[1\\. 0\\. 0\\. 0\\.\\]")
+  message(FATAL_ERROR "installed Python package: ${out}")
+endif()
+message(STATUS "installed Python package: ${out}")
