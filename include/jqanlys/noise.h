@@ -21,23 +21,23 @@ typedef struct JQBinomialCache {
   int32_t n_old;
 } JQBinomialCache;
 
-JQ_API int32_t white(JQHandle out, int32_t* n, double* amplitude, int32_t* seed, int32_t* error, JQRandomState* state);
-JQ_API int32_t Gauss(JQHandle out, int32_t* n, double* sd, int32_t* seed, int32_t* error, JQRandomState* state, JQGaussSpare* spare);
+JQ_API int32_t white(JQ_OUT JQArrF64 out, JQ_IN int32_t* n, JQ_IN double* amplitude, JQ_IN int32_t* seed, JQ_OUT int32_t* error, JQ_INOUT JQRandomState* state);
+JQ_API int32_t Gauss(JQ_OUT JQArrF64 out, JQ_IN int32_t* n, JQ_IN double* sd, JQ_IN int32_t* seed, JQ_OUT int32_t* error, JQ_INOUT JQRandomState* state, JQ_INOUT JQGaussSpare* spare);
 /* The harmonics of the record below Nyquist, each of the given amplitude, with random phases. */
-JQ_API int32_t PeriodNoise(int32_t* n, double* amplitude, int32_t* seed, JQHandle out, int32_t* error, JQRandomState* state);
-JQ_API int32_t GammaNoiseH(JQHandle out, int32_t n, int32_t order, int32_t seed, JQRandomState* state);
-JQ_API int32_t PoissonNoiseH(JQHandle out, int32_t n, double mean, int32_t seed, JQRandomState* state);
-JQ_API int32_t BinomialNoiseH(JQHandle out, int32_t n, int32_t trials, double p, int32_t seed, JQRandomState* state, JQBinomialCache* cache);
+JQ_API int32_t PeriodNoise(JQ_IN int32_t* n, JQ_IN double* amplitude, JQ_IN int32_t* seed, JQ_OUT JQArrF64 out, JQ_OUT int32_t* error, JQ_INOUT JQRandomState* state);
+JQ_API int32_t GammaNoiseH(JQ_OUT JQArrF64 out, int32_t n, int32_t order, int32_t seed, JQ_INOUT JQRandomState* state);
+JQ_API int32_t PoissonNoiseH(JQ_OUT JQArrF64 out, int32_t n, double mean, int32_t seed, JQ_INOUT JQRandomState* state);
+JQ_API int32_t BinomialNoiseH(JQ_OUT JQArrU32 out, int32_t n, int32_t trials, double p, int32_t seed, JQ_INOUT JQRandomState* state, JQ_INOUT JQBinomialCache* cache);
 
 /* Random permutations: method 0 is the early biased shuffle, any other the unbiased one. */
-JQ_API int32_t RiffleIntNum_head(JQHandle out, int32_t n, int32_t seed, JQRandomState* state);
-JQ_API int32_t RiffleIntNum2012_head(JQHandle out, int32_t n, int32_t seed, JQRandomState* state, int32_t method);
-JQ_API int32_t RiffleArrayDBL_head(JQHandle array, JQHandle index, int32_t seed, JQRandomState* state);
-JQ_API int32_t RiffleArrayDBL2012_head(JQHandle array, JQHandle index, int32_t seed, JQRandomState* state, int32_t method);
-JQ_API int32_t RiffleArrayCDB_head(JQHandle array, JQHandle index, int32_t seed, JQRandomState* state);
-JQ_API int32_t RiffleArrayCDB2012_head(JQHandle array, JQHandle index, int32_t seed, JQRandomState* state, int32_t method);
-JQ_API int32_t RiffleArrayInt_head(JQHandle array, JQHandle index, int32_t seed, JQRandomState* state);
-JQ_API int32_t RiffleArrayInt2012_head(JQHandle array, JQHandle index, int32_t seed, JQRandomState* state, int32_t method);
+JQ_API int32_t RiffleIntNum_head(JQ_OUT JQArrI32 out, int32_t n, int32_t seed, JQ_INOUT JQRandomState* state);
+JQ_API int32_t RiffleIntNum2012_head(JQ_OUT JQArrI32 out, int32_t n, int32_t seed, JQ_INOUT JQRandomState* state, int32_t method);
+JQ_API int32_t RiffleArrayDBL_head(JQ_INOUT JQArrF64 array, JQ_OUT JQArrI32 index, int32_t seed, JQ_INOUT JQRandomState* state);
+JQ_API int32_t RiffleArrayDBL2012_head(JQ_INOUT JQArrF64 array, JQ_OUT JQArrI32 index, int32_t seed, JQ_INOUT JQRandomState* state, int32_t method);
+JQ_API int32_t RiffleArrayCDB_head(JQ_INOUT JQArrC128 array, JQ_OUT JQArrI32 index, int32_t seed, JQ_INOUT JQRandomState* state);
+JQ_API int32_t RiffleArrayCDB2012_head(JQ_INOUT JQArrC128 array, JQ_OUT JQArrI32 index, int32_t seed, JQ_INOUT JQRandomState* state, int32_t method);
+JQ_API int32_t RiffleArrayInt_head(JQ_INOUT JQArrI32 array, JQ_OUT JQArrI32 index, int32_t seed, JQ_INOUT JQRandomState* state);
+JQ_API int32_t RiffleArrayInt2012_head(JQ_INOUT JQArrI32 array, JQ_OUT JQArrI32 index, int32_t seed, JQ_INOUT JQRandomState* state, int32_t method);
 
 #ifdef __cplusplus
 }

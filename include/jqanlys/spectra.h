@@ -6,14 +6,14 @@
 extern "C" {
 #endif
 
-JQ_API int32_t SpectrumH(JQHandle x, JQSlot instance);
-JQ_API int32_t SpectrumH_IDP(JQHandle x, JQSlot instance);
-JQ_API int32_t CxSpectrumH(JQHandle x, JQHandle spectrum, JQSlot instance);
-JQ_API int32_t CxSpectrumH_IDP(JQHandle x, JQHandle spectrum, JQSlot instance);
-JQ_API int32_t CrossSpectrumH(JQHandle x, JQHandle y, JQHandle spectrum, JQSlot instance);
-JQ_API int32_t CrossSpectrumH_IDP(JQHandle x, JQHandle y, JQHandle spectrum, JQSlot instance);
-JQ_API int32_t CxCrossSpectrumH(JQHandle x, JQHandle y, JQHandle spectrum, JQSlot instance);
-JQ_API int32_t CxCrossSpectrumH_IDP(JQHandle x, JQHandle y, JQHandle spectrum, JQSlot instance);
+JQ_API int32_t SpectrumH(JQ_INOUT JQArrF64 x, JQ_INOUT JQSlot instance);
+JQ_API int32_t SpectrumH_IDP(JQ_INOUT JQArrF64 x, JQ_INOUT JQSlot instance);
+JQ_API int32_t CxSpectrumH(JQ_IN JQArrC128 x, JQ_OUT JQArrF64 spectrum, JQ_INOUT JQSlot instance);
+JQ_API int32_t CxSpectrumH_IDP(JQ_IN JQArrC128 x, JQ_OUT JQArrF64 spectrum, JQ_INOUT JQSlot instance);
+JQ_API int32_t CrossSpectrumH(JQ_IN JQArrF64 x, JQ_IN JQArrF64 y, JQ_OUT JQArrC128 spectrum, JQ_INOUT JQSlot instance);
+JQ_API int32_t CrossSpectrumH_IDP(JQ_IN JQArrF64 x, JQ_IN JQArrF64 y, JQ_OUT JQArrC128 spectrum, JQ_INOUT JQSlot instance);
+JQ_API int32_t CxCrossSpectrumH(JQ_IN JQArrC128 x, JQ_IN JQArrC128 y, JQ_OUT JQArrC128 spectrum, JQ_INOUT JQSlot instance);
+JQ_API int32_t CxCrossSpectrumH_IDP(JQ_IN JQArrC128 x, JQ_IN JQArrC128 y, JQ_OUT JQArrC128 spectrum, JQ_INOUT JQSlot instance);
 
 #ifdef __cplusplus
 }

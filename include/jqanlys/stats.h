@@ -5,10 +5,9 @@
 extern "C" {
 #endif
 
-JQ_API int32_t Mean_head(JQHandle x, double* mean, int32_t* error);
-JQ_API int32_t RMS_head(JQHandle x, double* rms, int32_t* error);
-JQ_API int32_t histgran_head(JQHandle x, int32_t* intervals, JQHandle counts, JQHandle centres,
-                             int32_t* error);
+JQ_API int32_t Mean_head(JQ_IN JQArrF64 x, JQ_OUT double* mean, JQ_OUT int32_t* error);
+JQ_API int32_t RMS_head(JQ_IN JQArrF64 x, JQ_OUT double* rms, JQ_OUT int32_t* error);
+JQ_API int32_t histgran_head(JQ_IN JQArrF64 x, JQ_IN int32_t* intervals, JQ_OUT JQArrI32 counts, JQ_OUT JQArrF64 centres, JQ_OUT int32_t* error);
 
 #ifdef __cplusplus
 }

@@ -17,27 +17,27 @@
 extern "C" {
 #endif
 
-JQ_API int32_t SineWaveCIN(JQHandle out, int32_t* n, double* amplitude, double* frequency, double* phase, int32_t* error);
-JQ_API int32_t SquareWaveCIN(JQHandle out, int32_t* n, double* amplitude, double* frequency, double* phase, double* duty_percent, int32_t* error);
-JQ_API int32_t TriangleWaveCIN(JQHandle out, int32_t* n, double* amplitude, double* frequency, double* phase, int32_t* error);
-JQ_API int32_t SawtoothWaveCIN(JQHandle out, int32_t* n, double* amplitude, double* frequency, double* phase, int32_t* error);
-JQ_API int32_t ArbitraryWaveCIN(JQHandle out, int32_t* n, double* amplitude, double* frequency, double* phase, JQHandle table, int32_t* interpolation, int32_t* error);
+JQ_API int32_t SineWaveCIN(JQ_OUT JQArrF64 out, JQ_IN int32_t* n, JQ_IN double* amplitude, JQ_IN double* frequency, JQ_INOUT double* phase, JQ_OUT int32_t* error);
+JQ_API int32_t SquareWaveCIN(JQ_OUT JQArrF64 out, JQ_IN int32_t* n, JQ_IN double* amplitude, JQ_IN double* frequency, JQ_INOUT double* phase, JQ_IN double* duty_percent, JQ_OUT int32_t* error);
+JQ_API int32_t TriangleWaveCIN(JQ_OUT JQArrF64 out, JQ_IN int32_t* n, JQ_IN double* amplitude, JQ_IN double* frequency, JQ_INOUT double* phase, JQ_OUT int32_t* error);
+JQ_API int32_t SawtoothWaveCIN(JQ_OUT JQArrF64 out, JQ_IN int32_t* n, JQ_IN double* amplitude, JQ_IN double* frequency, JQ_INOUT double* phase, JQ_OUT int32_t* error);
+JQ_API int32_t ArbitraryWaveCIN(JQ_OUT JQArrF64 out, JQ_IN int32_t* n, JQ_IN double* amplitude, JQ_IN double* frequency, JQ_INOUT double* phase, JQ_IN JQArrF64 table, JQ_IN int32_t* interpolation, JQ_OUT int32_t* error);
 
-JQ_API int32_t SinePtrn(JQHandle out, int32_t* n, double* amplitude, double* phase, double* cycles, int32_t* error);
-JQ_API int32_t Square(JQHandle out, int32_t* n, double* amplitude, double* duty_percent, double* cycles, int32_t* error);
-JQ_API int32_t RampPtrn(JQHandle out, int32_t* n, double* start, double* end, int32_t* error);
-JQ_API int32_t RampPtrn80(JQHandle out, int32_t n, double start, double end);
+JQ_API int32_t SinePtrn(JQ_OUT JQArrF64 out, JQ_IN int32_t* n, JQ_IN double* amplitude, JQ_IN double* phase, JQ_IN double* cycles, JQ_OUT int32_t* error);
+JQ_API int32_t Square(JQ_OUT JQArrF64 out, JQ_IN int32_t* n, JQ_IN double* amplitude, JQ_IN double* duty_percent, JQ_IN double* cycles, JQ_OUT int32_t* error);
+JQ_API int32_t RampPtrn(JQ_OUT JQArrF64 out, JQ_IN int32_t* n, JQ_IN double* start, JQ_IN double* end, JQ_OUT int32_t* error);
+JQ_API int32_t RampPtrn80(JQ_OUT JQArrF64 out, int32_t n, double start, double end);
 /* exclude_end: 0 includes the end point; spacing: 0 linear, 1 logarithmic. */
-JQ_API int32_t RampPtrn85(JQHandle out, int32_t n, double start, double end, int32_t exclude_end, int32_t spacing);
-JQ_API int32_t PulsePtrn(JQHandle out, int32_t* n, double* amplitude, int32_t* delay, int32_t* width, int32_t* error);
-JQ_API int32_t ImpulsePtrn(JQHandle out, int32_t* n, double* amplitude, int32_t* delay, int32_t* error);
-JQ_API int32_t ChirpCIN(JQHandle out, int32_t* n, double* amplitude, double* f1, double* f2, int32_t* error);
-JQ_API int32_t SincWave(JQHandle out, int32_t* n, double* amplitude, double* delay, double* dt, int32_t* error);
+JQ_API int32_t RampPtrn85(JQ_OUT JQArrF64 out, int32_t n, double start, double end, int32_t exclude_end, int32_t spacing);
+JQ_API int32_t PulsePtrn(JQ_OUT JQArrF64 out, JQ_IN int32_t* n, JQ_IN double* amplitude, JQ_IN int32_t* delay, JQ_IN int32_t* width, JQ_OUT int32_t* error);
+JQ_API int32_t ImpulsePtrn(JQ_OUT JQArrF64 out, JQ_IN int32_t* n, JQ_IN double* amplitude, JQ_IN int32_t* delay, JQ_OUT int32_t* error);
+JQ_API int32_t ChirpCIN(JQ_OUT JQArrF64 out, JQ_IN int32_t* n, JQ_IN double* amplitude, JQ_IN double* f1, JQ_IN double* f2, JQ_OUT int32_t* error);
+JQ_API int32_t SincWave(JQ_OUT JQArrF64 out, JQ_IN int32_t* n, JQ_IN double* amplitude, JQ_IN double* delay, JQ_IN double* dt, JQ_OUT int32_t* error);
 
-JQ_API int32_t PeriodicSincH(JQHandle times_or_out, int32_t n, double amplitude, int32_t order, double dt, double delay);
-JQ_API int32_t GaussPulseH(JQHandle times_or_out, int32_t n, double amplitude, double delay, double dt, double centre_frequency, double bandwidth, double attenuation_db);
-JQ_API int32_t AperiodTriangleH(JQHandle times_or_out, int32_t n, double amplitude, double delay, double dt, double width, double skew);
-JQ_API int32_t GaussMonopulseH(JQHandle times_or_out, int32_t n, double amplitude, double delay, double dt, double centre_frequency);
+JQ_API int32_t PeriodicSincH(JQ_INOUT JQArrF64 times_or_out, int32_t n, double amplitude, int32_t order, double dt, double delay);
+JQ_API int32_t GaussPulseH(JQ_INOUT JQArrF64 times_or_out, int32_t n, double amplitude, double delay, double dt, double centre_frequency, double bandwidth, double attenuation_db);
+JQ_API int32_t AperiodTriangleH(JQ_INOUT JQArrF64 times_or_out, int32_t n, double amplitude, double delay, double dt, double width, double skew);
+JQ_API int32_t GaussMonopulseH(JQ_INOUT JQArrF64 times_or_out, int32_t n, double amplitude, double delay, double dt, double centre_frequency);
 
 #ifdef __cplusplus
 }
