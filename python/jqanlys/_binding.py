@@ -132,9 +132,11 @@ class _Pool:
         """Makes the handle hold a copy of array a (of this type and rank)."""
         blk = _VP(h.addr).value
         shape = a.shape
-        if not blk or self._shape(blk) != shape:
-            blk = self._resize(h, shape)
-        np.copyto(self._view(h, blk, shape), a)
+        if h.vkey != (blk, shape) or self._shape(blk) != shape:
+            if not blk or self._shape(blk) != shape:
+                blk = self._resize(h, shape)
+            self._view(h, blk, shape)
+        np.copyto(h.view, a)
 
     def clear(self, h):
         """Sets the handle's sizes to 0, keeping its block for reuse."""
@@ -309,7 +311,10 @@ class Binding:
                 if p.is_input:
                     required.append(name)
                     ns[f"_dt{i}"] = np.dtype(p.dtype)
-                    body.append(f"_a{i} = _as_array({name}, _dt{i}, {p.rank})")
+                    # Arrays that already fit skip the conversion call.
+                    body.append(f"_a{i} = {name} if type({name}) is np.ndarray and {name}.dtype is _dt{i} "
+                                f"and {name}.ndim == {p.rank} and {name}.size <= 0x7FFFFFFF "
+                                f"else _as_array({name}, _dt{i}, {p.rank})")
                     pre.append(f"_pool{i}.fill(_h{i}, _a{i})")
                 else:
                     pre.append(f"_pool{i}.clear(_h{i})")

@@ -3,6 +3,7 @@ through host handles, how codes become exceptions, and that slots, states
 and handles are released."""
 import os
 import tempfile
+import threading
 import unittest
 import warnings
 
@@ -131,6 +132,26 @@ class CallTest(unittest.TestCase):
             jqanlys.spectrum(x[:n]), jqanlys.noise.uniform(n, seed=3)
             self.assertRaises(jqanlys.JQError, jqanlys.spectrum, [])
         self.assertEqual(rt.jqrt_live_blocks(), before)
+
+
+    def test_threads_do_not_share_handles_or_slots(self):
+        # ctypes lets go of the interpreter lock during a call, so calls from
+        # several threads overlap inside the library.
+        signals = [np.random.default_rng(i).random(256 + 64 * i) for i in range(4)]
+        expected = [np.abs(np.fft.fft(s)) ** 2 / s.size ** 2 for s in signals]
+        bad = []
+
+        def work(i):
+            for _ in range(200):
+                if not np.allclose(jqanlys.spectrum(signals[i]), expected[i], rtol=1e-12, atol=1e-15):
+                    bad.append(i)
+                    return
+        threads = [threading.Thread(target=work, args=(i,)) for i in range(4)]
+        for t in threads:
+            t.start()
+        for t in threads:
+            t.join()
+        self.assertEqual(bad, [])
 
 
 class SlotTest(unittest.TestCase):
