@@ -80,34 +80,34 @@ def cross_spectrum(x, y, slot=None):
     return _x.CrossSpectrumH_IDP(x, y, instance=slot)
 
 
+def _by_rank(x, one, two, *args, slot=None):
+    # 1-D and 2-D forms of one transform; the 2-D form takes no length.
+    x = np.asarray(x, np.float64)
+    if x.ndim == 2:
+        return two(x, instance=slot)
+    return one(x, *args, instance=slot)
+
+
 def dct(x, n=None, slot=None):
     """Orthonormal DCT-II (scipy.fft.dct(x, norm='ortho')); a 2-D input is
     transformed along both axes (n is then ignored)."""
-    x = np.asarray(x, np.float64)
-    if x.ndim == 2:
-        return _x.DCT_2DH_IDP(x, instance=slot)
-    return _x.DCT_1DH_IDP(x, 0 if n is None else n, instance=slot)
+    return _by_rank(x, _x.DCT_1DH_IDP, _x.DCT_2DH_IDP, n or 0, slot=slot)
 
 
 def idct(y, slot=None):
     """Inverse of dct (orthonormal DCT-III)."""
-    y = np.asarray(y, np.float64)
-    return (_x.InvDCT_2DH_IDP if y.ndim == 2 else _x.InvDCT_1DH_IDP)(y, instance=slot)
+    return _by_rank(y, _x.InvDCT_1DH_IDP, _x.InvDCT_2DH_IDP, slot=slot)
 
 
 def dst(x, n=None, slot=None):
     """Unnormalised DST-I: y[k] = sum x[j] sin(pi (j+1)(k+1) / (m+1)), half
     of scipy.fft.dst(x, type=1); a 2-D input is transformed along both axes."""
-    x = np.asarray(x, np.float64)
-    if x.ndim == 2:
-        return _x.DST_2DH_IDP(x, instance=slot)
-    return _x.DST_1DH_IDP(x, 0 if n is None else n, instance=slot)
+    return _by_rank(x, _x.DST_1DH_IDP, _x.DST_2DH_IDP, n or 0, slot=slot)
 
 
 def idst(y, slot=None):
     """Inverse of dst."""
-    y = np.asarray(y, np.float64)
-    return (_x.InvDST_2DH_IDP if y.ndim == 2 else _x.InvDST_1DH_IDP)(y, instance=slot)
+    return _by_rank(y, _x.InvDST_1DH_IDP, _x.InvDST_2DH_IDP, slot=slot)
 
 
 def hilbert(x, slot=None):
