@@ -2,7 +2,8 @@
 
 Two layers:
 - `jqanlys.exports`: every export of the public header, bound automatically
-  (arrays in, arrays out, JQError on a negative code), under its C name.
+  (arrays in, arrays out, JQError on a negative code), under its C name;
+  `unbound` names any declaration that could not be bound, with the reason.
 - Functions in the style of scipy over them: `fft`, `ifft`, `rfft`,
   `spectrum`, `cross_spectrum`, `fft2`, `ifft2`, `dct`, `idct`, `dst`,
   `idst`, `hilbert`, `hartley`, and the modules `windows`, `noise`,
@@ -20,6 +21,8 @@ lib, _rt = _loader.load()
 _structs, _decls, unbound = _header.parse(_loader.include_dir())
 _bound = _binding.Binding(lib, _rt, _structs, _decls)
 runtime = _bound.rt
+for _name in _bound.missing:
+    unbound[_name] = "declared in the header but not exported by the library"
 
 exports = _types.SimpleNamespace(**_bound.functions)
 exports.__doc__ = "Every export of the public header, by its C name."

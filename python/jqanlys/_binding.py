@@ -254,9 +254,12 @@ class Binding:
         self.functions = {}
         self._defaults = []  # every default slot, released at exit
         self._lock = threading.Lock()
-        self._releasers = {}
+        self.missing = []  # declared in the header but not exported by the library
         by_name = {e.name: e for e in exports}
         for e in exports:
+            if not hasattr(lib, e.name):
+                self.missing.append(e.name)
+                continue
             self.functions[e.name] = self._bind(e, by_name)
         atexit.register(self.release_defaults)
 
