@@ -434,10 +434,10 @@ class Binding:
 
 
 def _doc(e, required, optional):
-    c = ", ".join(f"{({'in': 'JQ_IN ', 'out': 'JQ_OUT ', 'inout': 'JQ_INOUT '}).get(p.direction, '') if p.kind != 'value' else ''}"
-                  f"{p.ctype} {p.name}" for p in e.params)
     returns = [p.name for p in e.params
-               if p.is_output and p.kind != "error" and not (p.kind == "struct" and p.is_input)]
+               if p.is_output and p.kind not in ("error", "slot") and not (p.kind == "struct" and p.is_input)]
+    if e.result not in ("void", "int32_t"):
+        returns.insert(0, "the result")
     return (f"{e.name}({', '.join(required + [o + '=None' for o in optional])})\n\n"
-            f"Binds: {e.result} {e.name}({c})  [{e.header}]\n"
+            f"Binds: {e.result} {e.name}({', '.join(p.text for p in e.params)})  [{e.header}]\n"
             f"Returns: {', '.join(returns) if returns else 'nothing'}.")

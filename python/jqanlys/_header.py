@@ -80,6 +80,12 @@ def _split_params(text):
 
 
 def _parse_param(text, structs, export):
+    p = _classify(text, structs, export)
+    p.text = text
+    return p
+
+
+def _classify(text, structs, export):
     m = re.fullmatch(r"(?:(JQ_IN|JQ_OUT|JQ_INOUT)\s+)?(?:const\s+)?([A-Za-z_]\w*)\s*(\**)\s*([A-Za-z_]\w*)\s*(?:\[\s*(\w*)\s*\])?", text)
     if not m:
         raise HeaderError(f"{export}: cannot read parameter {text!r}")
