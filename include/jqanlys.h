@@ -68,5 +68,6 @@ typedef struct JQErrorCluster {
 #include "jqanlys/waveforms.h"
 #include "jqanlys/windows.h"
 #include "jqanlys/dct.h"
+#include "jqanlys/measure.h"
 
 #endif

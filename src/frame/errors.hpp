@@ -46,6 +46,14 @@ enum Code : int32_t {
   kRampExcludedEmpty = -20005,  // a ramp without its end point needs at least one sample
   kNonPositiveDuty = -20011,    // a square pattern's duty cycle is zero or negative
   kNonFinitePhase = -20068,     // a wave's phase or frequency is NaN or infinite
+
+  // Measurements: state levels.
+  kConstantSignal = -20309,     // every sample equal: a histogram has no width
+  kNoLevelSamples = -20312,     // no samples to take levels from
+  kBadSampleInterval = -20315,  // the sample interval is not above 0
+  kBadLevelMethod = -20316,     // a level method other than 0, 1 or 2
+  kBadBinCount = -20317,        // fewer than 1 histogram bin
+  kWarnWeakState = 20021,       // warning: a state's mode holds under 5 % of the samples
 };
 
 }  // namespace jq
