@@ -33,12 +33,27 @@ MESSAGES = {
     -20070: "matrix dimensions do not agree (second pair of dimensions)",
     -20115: "the transform length must be positive",
     -20140: "a shape parameter (order, width, frequency, bandwidth or attenuation) must be positive",
+    -20309: "the signal is constant, so its histogram has no width",
+    -20312: "there are no samples to take state levels from",
+    -20315: "the sample interval must be positive",
+    -20316: "the state-level method must be 0 (histogram), 1 (peak) or 2 (auto histogram)",
+    -20317: "the histogram needs at least 1 bin",
     -20999: "internal error: a transform table does not match its length, or its lock could not be made",
 }
 
 
+# Warnings whose meaning is not their error's.
+WARNINGS = {
+    20004: "the inputs differ in length; only their common part was used",
+    20021: "a state holds fewer than 5 % of the samples, so its level is uncertain",
+}
+
+
 def message(code):
-    """Readable text for a code; warnings read as their error's text."""
+    """Readable text for a code; a warning without its own text reads as its
+    error's."""
+    if code > 0 and code in WARNINGS:
+        return f"warning: {WARNINGS[code]}"
     text = MESSAGES.get(-abs(code))
     if text is None:
         return f"library code {code}"

@@ -9,7 +9,7 @@ import scipy.special as sp
 import scipy.stats
 
 import jqanlys
-from jqanlys import noise, special, stats, waveforms, windows
+from jqanlys import measure, noise, special, stats, waveforms, windows
 
 RNG = np.random.default_rng(7)
 # Lengths that take different paths: tiny, odd, prime, power of two, mixed.
@@ -181,6 +181,33 @@ class SpecialAndStatsTest(unittest.TestCase):
         with self.assertRaises(jqanlys.JQError) as e:
             stats.mean([])
         self.assertEqual(e.exception.code, -20003)
+
+
+class MeasureTest(unittest.TestCase):
+    def test_state_levels(self):
+        x = np.r_[np.full(40, -1.0), np.full(60, 4.0)] + RNG.uniform(-0.01, 0.01, 100)
+        counts, edges = np.histogram(x, 50)
+        centres = (edges[:-1] + edges[1:]) / 2
+        low, high = centres[np.argmax(counts[:21])], centres[30 + np.argmax(counts[30:])]
+        close(measure.state_levels(x, bins=50), (high, low, high - low))
+        close(measure.state_levels(x, "peak"), (x.max(), x.min(), x.max() - x.min()))
+        spike = np.r_[np.zeros(99), 5.0]
+        with self.assertWarns(jqanlys.JQWarning):
+            measure.state_levels(spike)
+        self.assertEqual(measure.state_levels(spike, "auto")[0], 5.0)  # the weak high state keeps the maximum
+        with self.assertRaises(jqanlys.JQError) as e:
+            measure.state_levels(np.ones(8))
+        self.assertEqual(e.exception.code, -20309)
+
+    def test_threshold_peaks_match_run_starts(self):
+        x = RNG.standard_normal(2000)
+        for width in (1, 2, 5):
+            above = np.r_[False, x >= 0.3, False]
+            starts, ends = np.flatnonzero(~above[:-1] & above[1:]), np.flatnonzero(above[:-1] & ~above[1:])
+            np.testing.assert_array_equal(measure.threshold_peaks(x, 0.3, width), starts[ends - starts >= width])
+        with self.assertRaises(jqanlys.JQError) as e:
+            measure.threshold_peaks(x[:3], 0.0, 3)
+        self.assertEqual(e.exception.code, -20013)
 
 
 if __name__ == "__main__":
