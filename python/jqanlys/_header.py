@@ -119,7 +119,9 @@ def _classify(text, structs, export):
     if ctype in structs and pointers == 1 and not structs[ctype].opaque:
         need_mark()
         return Param(name, "struct", direction, ctype)
-    if pointers >= 1 or ctype == "JQHandle":
+    if ctype == "JQHandle":
+        raise HeaderError(f"{export}: handle {name!r} has no element type (use a JQArr or JQMat name)")
+    if pointers >= 1:
         return Param(name, "pointer", direction or "in", ctype)
     raise HeaderError(f"{export}: unknown type {ctype!r} of parameter {name!r}")
 
