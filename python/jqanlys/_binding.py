@@ -235,7 +235,11 @@ def _struct_class(s):
 
 
 def _pyname(name):
-    return name + "_" if keyword.iskeyword(name) else name
+    # Keywords get a trailing underscore; a leading underscore is kept for the
+    # generated code's own names.
+    if keyword.iskeyword(name):
+        return name + "_"
+    return "arg" + name if name.startswith("_") else name
 
 
 _INT_RANGE = {"int32_t": (-2**31, 2**31 - 1), "uint32_t": (0, 2**32 - 1), "uint8_t": (0, 255),
@@ -300,7 +304,7 @@ class Binding:
     def _bind(self, e, by_name):
         fn = getattr(self.lib, e.name)
         ns = {"_fn": fn, "_report": _report, "_as_array": _as_array, "_as_vector": _as_vector, "_int": _int,
-              "_byref": ctypes.byref, "_Slot": Slot, "np": np}
+              "_byref": ctypes.byref, "_Slot": Slot, "_np": np}
         argtypes, args, required, optional, body, pre, post, outs, finals = [], [], [], [], [], [], [], [], []
         releaser = None
         for i, p in enumerate(e.params):
@@ -315,7 +319,7 @@ class Binding:
                     required.append(name)
                     ns[f"_dt{i}"] = np.dtype(p.dtype)
                     # Arrays that already fit skip the conversion call.
-                    body.append(f"_a{i} = {name} if type({name}) is np.ndarray and {name}.dtype is _dt{i} "
+                    body.append(f"_a{i} = {name} if type({name}) is _np.ndarray and {name}.dtype is _dt{i} "
                                 f"and {name}.ndim == {p.rank} and {name}.size <= 0x7FFFFFFF "
                                 f"else _as_array({name}, _dt{i}, {p.rank})")
                     pre.append(f"_pool{i}.fill(_h{i}, _a{i})")
@@ -369,7 +373,7 @@ class Binding:
                     required.append(name)
                     body.append(f"_v{i} = _as_vector({name}, _dt{i}, {count}, {p.is_output})")
                 else:
-                    body.append(f"_v{i} = np.zeros({count}, _dt{i})")
+                    body.append(f"_v{i} = _np.zeros({count}, _dt{i})")
                 if p.is_output:
                     outs.append(f"_v{i}")
                 args.append(f"_v{i}.ctypes.data")
