@@ -62,6 +62,7 @@ typedef struct JQErrorCluster {
 #include "jqanlys/frame.h"
 #include "jqanlys/spectra.h"
 #include "jqanlys/stats.h"
+#include "jqanlys/distributions.h"
 #include "jqanlys/special.h"
 #include "jqanlys/noise.h"
 #include "jqanlys/transforms.h"
@@ -69,5 +70,8 @@ typedef struct JQErrorCluster {
 #include "jqanlys/windows.h"
 #include "jqanlys/dct.h"
 #include "jqanlys/measure.h"
+#include "jqanlys/fir.h"
+#include "jqanlys/sigops.h"
+#include "jqanlys/integration.h"
 
 #endif

@@ -42,6 +42,9 @@ enum Code : int32_t {
 
   // Codes raised by particular routines are added below, grouped by subsystem.
 
+  // Statistics: probability distributions.
+  kDegreesOfFreedom = -20052,   // degrees of freedom below 1 (below 0 for the chi-square CDF)
+
   // Signal generation: waveforms and patterns.
   kRampExcludedEmpty = -20005,  // a ramp without its end point needs at least one sample
   kNonPositiveDuty = -20011,    // a square pattern's duty cycle is zero or negative
@@ -54,6 +57,11 @@ enum Code : int32_t {
   kBadLevelMethod = -20316,     // a level method other than 0, 1 or 2
   kBadBinCount = -20317,        // fewer than 1 histogram bin
   kWarnWeakState = 20021,       // warning: a state's mode holds under 5 % of the samples
+
+  // FIR design and filtering.
+  kEdgeAboveNyquist = -20020,   // a band edge or cut-off above fs/2
+  kBadEdges = -20023,           // non-positive fs, bad edge, weight or desired value, cut-offs out of order
+  kDesignFailed = -20031,       // too few taps, non-finite input, inconsistent bands, no convergence
 };
 
 }  // namespace jq

@@ -26,6 +26,11 @@ double gamma_q(double a, double x);
 double beta(double a, double b);
 // Regularized incomplete beta I(x; a, b).
 double beta_inc(double a, double b, double x);
+// The same with y = 1 - x given alongside x, for callers that know the
+// smaller of the two more accurately than 1 - x would give it. Near the mean
+// a / (a + b) the continued fraction amplifies the error of x by up to
+// ~sqrt(a + b), hence the extended precision.
+double beta_inc(double a, double b, long double x, long double y);
 
 double erf(double x);
 double erfc(double x);

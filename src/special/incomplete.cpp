@@ -133,7 +133,9 @@ long double ln_beta_front(double a, double b, long double x, long double y) {
     return neg_a_phi(la, x * s) + neg_a_phi(lb, y * s) - 0.5L * std::log(s / (la * lb)) - kHalfLn2Pi - stirling_correction(la) -
            stirling_correction(lb) + stirling_correction(s);
   }
-  return a * std::log(x) + b * std::log(y) - ln_beta_ld(a, b);
+  // The logarithm of whichever of x and y is near 1 comes from the other one.
+  const long double ln_x = x > 0.5L ? std::log1p(-y) : std::log(x), ln_y = y > 0.5L ? std::log1p(-x) : std::log(y);
+  return a * ln_x + b * ln_y - ln_beta_ld(a, b);
 }
 
 // I(x; a, b) with y = 1 - x given exactly alongside x.
@@ -157,18 +159,35 @@ double gamma_q(double a, double x) {
   return static_cast<double>(clamp01(gamma_q_fraction(a, x)));
 }
 
+namespace {
+
+// The cases of I(x; a, b) past the closed form, with y = 1 - x.
+double beta_inc_rest(double a, double b, long double lx, long double ly) {
+  if (a == 0 && b == 0) return kNaN;
+  if (a == 0) return 1.0;
+  if (b == 0) return ly == 0 ? 1.0 : 0.0;
+  if (lx == 0) return 0.0;
+  if (ly == 0) return 1.0;
+  if (lx * (a + b + 2) < a + 1) return static_cast<double>(clamp01(beta_direct(a, b, lx, ly)));
+  return static_cast<double>(clamp01(1 - beta_direct(b, a, ly, lx)));
+}
+
+}  // namespace
+
 double beta_inc(double a, double b, double x) {
   if (!std::isfinite(a) || !std::isfinite(b) || !std::isfinite(x)) return kNaN;
   if (a < 0 || b < 0 || x < 0 || x > 1) return kNaN;
   if (a == 1 && b > 3.637978807091712e-13) return 1 - std::pow(1 - x, b);
-  if (a == 0 && b == 0) return kNaN;
-  if (a == 0) return 1.0;
-  if (b == 0) return x == 1 ? 1.0 : 0.0;
-  if (x == 0) return 0.0;
-  if (x == 1) return 1.0;
   const long double lx = x, ly = 1 - lx;  // 1 - x is exact in extended precision down to x ~ 2^-11
-  if (x * (a + b + 2) < a + 1) return static_cast<double>(clamp01(beta_direct(a, b, lx, ly)));
-  return static_cast<double>(clamp01(1 - beta_direct(b, a, ly, lx)));
+  return beta_inc_rest(a, b, lx, ly);
+}
+
+double beta_inc(double a, double b, long double x, long double y) {
+  if (!std::isfinite(a) || !std::isfinite(b) || !std::isfinite(x) || !std::isfinite(y)) return kNaN;
+  if (a < 0 || b < 0 || x < 0 || x > 1 || y < 0 || y > 1) return kNaN;
+  // The closed form 1 - y^b, through log1p(-x) while x is the small one.
+  if (a == 1 && b > 3.637978807091712e-13) return static_cast<double>(x < 0.5L ? -std::expm1(b * std::log1p(-x)) : 1 - std::pow(y, b));
+  return beta_inc_rest(a, b, x, y);
 }
 
 }  // namespace jq::special
