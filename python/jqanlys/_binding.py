@@ -304,7 +304,7 @@ class Binding:
     def _bind(self, e, by_name):
         fn = getattr(self.lib, e.name)
         ns = {"_fn": fn, "_report": _report, "_as_array": _as_array, "_as_vector": _as_vector, "_int": _int,
-              "_byref": ctypes.byref, "_Slot": Slot, "_np": np}
+              "_byref": ctypes.byref, "_Slot": Slot, "_np": np, "_type": type, "_float": float, "_TypeError": TypeError}
         argtypes, args, required, optional, body, pre, post, outs, finals = [], [], [], [], [], [], [], [], []
         releaser = None
         for i, p in enumerate(e.params):
@@ -319,7 +319,7 @@ class Binding:
                     required.append(name)
                     ns[f"_dt{i}"] = np.dtype(p.dtype)
                     # Arrays that already fit skip the conversion call.
-                    body.append(f"_a{i} = {name} if type({name}) is _np.ndarray and {name}.dtype is _dt{i} "
+                    body.append(f"_a{i} = {name} if _type({name}) is _np.ndarray and {name}.dtype is _dt{i} "
                                 f"and {name}.ndim == {p.rank} and {name}.size <= 0x7FFFFFFF "
                                 f"else _as_array({name}, _dt{i}, {p.rank})")
                     pre.append(f"_pool{i}.fill(_h{i}, _a{i})")
@@ -346,7 +346,7 @@ class Binding:
                     lo, hi = _INT_RANGE[p.ctype]
                     body.append(f"{name} = _int({name}, {lo}, {hi})")
                 else:
-                    body.append(f"{name} = float({name})")
+                    body.append(f"{name} = _float({name})")
                 args.append(name)
             elif p.kind in ("ref", "error"):
                 ctype = _C[p.ctype]
@@ -355,7 +355,7 @@ class Binding:
                 if p.is_input:
                     required.append(name)
                     conv = f"_int({name}, {_INT_RANGE[p.ctype][0]}, {_INT_RANGE[p.ctype][1]})" \
-                        if p.ctype in _INT_RANGE else f"float({name})"
+                        if p.ctype in _INT_RANGE else f"_float({name})"
                     body.append(f"_c{i} = _t{i}({conv})")
                 else:
                     body.append(f"_c{i} = _t{i}()")
@@ -384,7 +384,7 @@ class Binding:
                 if p.is_input:
                     optional.append(name)
                     body.append(f"if {name} is None: {name} = _s{i}()")
-                    body.append(f"elif type({name}) is not _s{i}: raise TypeError('{name}: expected {p.ctype}')")
+                    body.append(f"elif _type({name}) is not _s{i}: raise _TypeError('{name}: expected {p.ctype}')")
                 else:
                     body.append(f"{name} = _s{i}()")
                     outs.append(name)

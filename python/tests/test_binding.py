@@ -24,7 +24,7 @@ JQ_API int32_t Old(JQ_INOUT JQArrI32 a, JQ_IN int32_t* n, JQ_OUT int32_t* error,
 JQ_API void Fn(double x, JQ_OUT double* result);
 JQ_API JQOpaque* Make(uint32_t n);
 JQ_API int32_t Unmarked(double* x);
-JQ_API int32_t Names(JQ_IN JQArrF64 np, JQ_OUT double lambda[2], int32_t _fn, JQ_INOUT JQPair* p);
+JQ_API int32_t Names(JQ_IN JQArrF64 np, JQ_OUT double lambda[2], int32_t _fn, double type, JQ_INOUT JQPair* p);
 """
 
 
@@ -52,8 +52,8 @@ class DeclarationTest(unittest.TestCase):
         self.assertNotIn("Unmarked", by)
 
     def test_generated_functions_survive_awkward_names(self):
-        # Names of numpy, of Python keywords and of the generated code's own
-        # variables, bound to a stand-in for the C function.
+        # Names of numpy, of Python keywords and builtins and of the generated
+        # code's own variables, bound to a stand-in for the C function.
         with tempfile.TemporaryDirectory() as d:
             os.mkdir(os.path.join(d, "jqanlys"))
             with open(os.path.join(d, "jqanlys.h"), "w") as f:
@@ -69,7 +69,7 @@ class DeclarationTest(unittest.TestCase):
                 return 0
         lib = type("Lib", (), {"Names": Stand_in()})()
         names = _binding.Binding(lib, jqanlys._rt, structs, [e for e in exports if e.name == "Names"]).functions["Names"]
-        lam = names(np.ones(3), 7)
+        lam = names(np.ones(3), 7, 2.5)
         np.testing.assert_array_equal(lam, [0.0, 0.0])
         self.assertEqual(calls[0][2], 7)
 

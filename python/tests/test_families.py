@@ -3,13 +3,14 @@ import unittest
 
 import numpy as np
 import scipy.fft
+import scipy.integrate
 import scipy.signal
 import scipy.signal.windows as sw
 import scipy.special as sp
 import scipy.stats
 
 import jqanlys
-from jqanlys import measure, noise, special, stats, waveforms, windows
+from jqanlys import filters, integrate, measure, noise, signal, special, stats, waveforms, windows
 
 RNG = np.random.default_rng(7)
 # Lengths that take different paths: tiny, odd, prime, power of two, mixed.
@@ -208,6 +209,55 @@ class MeasureTest(unittest.TestCase):
         with self.assertRaises(jqanlys.JQError) as e:
             measure.threshold_peaks(x[:3], 0.0, 3)
         self.assertEqual(e.exception.code, -20013)
+
+
+class FiltersTest(unittest.TestCase):
+    def test_fir_design_matches_scipy(self):
+        close(filters.firwin(31, 0.3, window="hamming"), scipy.signal.firwin(31, 0.3, window="hamming", scale=False))
+        close(filters.firwin(31, [0.2, 0.5], "bandpass", fs=2.0),
+              scipy.signal.firwin(31, [0.2, 0.5], window="boxcar", pass_zero=False, scale=False))
+        close(filters.remez(31, [0, 0.2, 0.3, 1], [1, 0]), scipy.signal.remez(31, [0, 0.2, 0.3, 1], [1, 0], fs=2), 1e-10)
+        close(filters.savgol_coeffs(9, 3), scipy.signal.savgol_coeffs(9, 3))
+
+    def test_fir_filtering_matches_scipy(self):
+        x = RNG.standard_normal(200)
+        b = scipy.signal.firwin(15, 0.3)
+        close(filters.fir_filter(b, x), scipy.signal.lfilter(b, 1, x))
+        stream = filters.FIRFilter(b)
+        close(np.concatenate([stream(x[:37]), stream(x[37:120]), stream(x[120:])]), scipy.signal.lfilter(b, 1, x))
+        close(filters.medfilt(x, 5), scipy.signal.medfilt(x, 5))
+        close(filters.savgol_filter(x, 7, 2), scipy.signal.savgol_filter(x, 7, 2, mode="interp"))
+
+
+class SignalTest(unittest.TestCase):
+    def test_one_dimensional(self):
+        x, y = RNG.standard_normal(60), RNG.standard_normal(9)
+        for method in ("direct", "fft"):
+            close(signal.convolve(x, y, method), np.convolve(x, y))
+            close(signal.correlate(x, y, method=method), scipy.signal.correlate(y, x))
+        z = x + 1j * RNG.standard_normal(60)
+        close(signal.convolve(z, y), np.convolve(z, y))
+        close(signal.autocorrelate(x), np.correlate(x, x, "full"))
+        d = np.array([2.0, 0.6, -0.3])  # roots well inside the unit circle: long division is stable
+        close(signal.deconvolve(np.convolve(x, d), d), scipy.signal.deconvolve(np.convolve(x, d), d)[0])
+
+    def test_two_dimensional(self):
+        a, b = RNG.standard_normal((7, 6)), RNG.standard_normal((3, 2))
+        for mode in ("full", "same", "valid"):
+            with self.subTest(mode=mode):
+                close(signal.convolve2d(a, b, mode), scipy.signal.convolve2d(a, b, mode))
+                close(signal.correlate2d(a, b, mode), scipy.signal.correlate2d(a, b, mode))
+        with self.assertRaises(jqanlys.JQError) as e:
+            signal.convolve2d(b, a, "valid")
+        self.assertEqual(e.exception.code, -20008)
+
+    def test_integration(self):
+        t = np.linspace(0, 1, 21)
+        f = np.sin(3 * t)
+        close(integrate.integrate(f, t[1]), np.trapz(f, t))
+        close(integrate.integrate(f, t[1], "simpson"), scipy.integrate.simpson(f, x=t))
+        m = np.outer(f, f)
+        close(integrate.integrate2d(m, t[1], t[1]), np.trapz(np.trapz(m, t), t))
 
 
 if __name__ == "__main__":
