@@ -50,6 +50,14 @@ enum Code : int32_t {
   kNonPositiveDuty = -20011,    // a square pattern's duty cycle is zero or negative
   kNonFinitePhase = -20068,     // a wave's phase or frequency is NaN or infinite
 
+  // Filters: IIR design and filtering.
+  kCutoffAboveNyquist = -20020,      // a cut-off above half the sampling rate
+  kBadCutoff = -20023,               // fs or a cut-off not positive, or the band's edges out of order
+  kBadRipple = -20024,               // a passband ripple not positive
+  kBadAttenuation = -20025,          // a stopband attenuation not positive
+  kAttenuationBelowRipple = -20028,  // an elliptic attenuation not above its ripple
+  kCoefficientLength = -20066,       // coefficient or state lengths that do not fit the sections
+
   // Measurements: state levels.
   kConstantSignal = -20309,     // every sample equal: a histogram has no width
   kNoLevelSamples = -20312,     // no samples to take levels from
