@@ -1,5 +1,5 @@
 """Plots, through the Python package, the power spectrum of a noisy
-two-tone signal and the frequency response of a windowed-sinc lowpass
+two-tone signal and the frequency responses of an FIR and an IIR lowpass
 filter, into one PNG.
 
     /usr/bin/python3 demo/plot_spectrum.py [out.png]
@@ -18,7 +18,7 @@ import numpy as np  # noqa: E402
 HERE = os.path.dirname(os.path.abspath(__file__))
 sys.path.insert(0, os.path.join(HERE, "..", "python"))
 import jqanlys  # noqa: E402
-from jqanlys import noise, waveforms, windows  # noqa: E402
+from jqanlys import filters, noise, waveforms, windows  # noqa: E402
 
 out = sys.argv[1] if len(sys.argv) > 1 else os.path.join(HERE, "..", "docs", "python_demo.png")
 fs, n = 48000.0, 4096
@@ -33,22 +33,26 @@ s = jqanlys.spectrum(x * w)[: n // 2 + 1] / cg ** 2
 s[1:-1] *= 2
 f = np.arange(n // 2 + 1) * fs / n
 
-# A 63-tap lowpass at 6 kHz: the ideal impulse response, Kaiser-windowed; its
-# response is the zero-padded transform of the taps.
-taps, cutoff = 63, 6000.0 / fs
-k = np.arange(taps) - (taps - 1) / 2
-h = 2 * cutoff * np.sinc(2 * cutoff * k) * windows.kaiser(taps, 8.0)
-H = jqanlys.rfft(h, 8192)
-fh = np.arange(H.size) * fs / 8192
+# Two lowpass designs at 6 kHz: 63 Kaiser-windowed taps, and a 6th-order
+# elliptic cascade; each response is the zero-padded transform of its impulse
+# response.
+fir = filters.firwin(63, 6000.0, fs=fs, window=("kaiser", 8.0))
+impulse = np.r_[1.0, np.zeros(8191)]
+iir = filters.sosfilt(filters.ellip(6, 0.5, 80.0, 6000.0, fs=fs), impulse)
+responses = [(jqanlys.rfft(fir, 8192), "63-tap FIR, Kaiser window (filters.firwin)"),
+             (jqanlys.rfft(iir), "6th-order elliptic IIR (filters.ellip, sosfilt)")]
+fh = np.arange(8192 // 2 + 1) * fs / 8192
 
 fig, (a, b) = plt.subplots(2, 1, figsize=(8, 6.5))
 a.plot(f / 1000, 10 * np.log10(np.maximum(s, 1e-20)), lw=0.8)
 a.set(title="Power spectrum (jqanlys.spectrum, Blackman-Harris window)", xlabel="frequency (kHz)",
       ylabel="power (dB)", ylim=(-180, 10), xlim=(0, fs / 2000))
 a.grid(alpha=0.3)
-b.plot(fh / 1000, 20 * np.log10(np.maximum(np.abs(H), 1e-12)), lw=0.9, color="C1")
-b.set(title="63-tap windowed-sinc lowpass, Kaiser beta 8 (jqanlys.rfft)", xlabel="frequency (kHz)",
-      ylabel="gain (dB)", ylim=(-120, 5), xlim=(0, fs / 2000))
+for H, label in responses:
+    b.plot(fh / 1000, 20 * np.log10(np.maximum(np.abs(H), 1e-12)), lw=0.9, label=label)
+b.set(title="Lowpass filters at 6 kHz", xlabel="frequency (kHz)", ylabel="gain (dB)", ylim=(-120, 5),
+      xlim=(0, fs / 2000))
+b.legend(loc="upper right", fontsize=8)
 b.grid(alpha=0.3)
 fig.tight_layout()
 fig.savefig(out, dpi=90)
