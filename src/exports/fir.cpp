@@ -157,7 +157,7 @@ JQ_EXPORT int32_t Parks(int32_t* taps, double* fs, JQHandle bands, int32_t* type
   if (deviation) *deviation = std::numeric_limits<double>::quiet_NaN();
   const int32_t n = value_of(taps, 0);
   if (n < 1) return fail(kBadOrder);
-  if (nb < 1) return fail(kBadEdges);
+  if (nb < 1) return fail(kBadCutoff);
   if (!outs.size(c, n)) return fail(kNoMemory);
   double achieved = std::numeric_limits<double>::quiet_NaN();
   const int32_t code =

@@ -17,11 +17,11 @@ int32_t ideal_coefficients(double fs, double fl, double fh, int32_t n, int32_t t
   // Lowpass and highpass have no upper cut-off: a point halfway between the
   // cut-off and Nyquist stands in for it so that the shared checks pass.
   if (type == kLowpass || type == kHighpass) fh = (fs * 0.5 + fl) * 0.5;
-  if (fl > fs * 0.5 || fh > fs * 0.5) return kEdgeAboveNyquist;
+  if (fl > fs * 0.5 || fh > fs * 0.5) return kCutoffAboveNyquist;
   // Written as negations so that a NaN fails them too.
-  if (!(fs > 0) || !(fl > 0)) return kBadEdges;
+  if (!(fs > 0) || !(fl > 0)) return kBadCutoff;
   const bool band = type == kBandpass || type == kBandstop;
-  if (band && (!(fh > 0) || !(fh > fl))) return kBadEdges;
+  if (band && (!(fh > 0) || !(fh > fl))) return kBadCutoff;
   if ((type == kHighpass || type == kBandstop) && n % 2 == 0) return kMustBeOdd;
 
   const double wl = kTwoPi * fl / fs;

@@ -56,10 +56,10 @@ int32_t narrow_design(double fs, double fpass, double fstop, double ripple, doub
                       int32_t factor, Narrow* d) {
   for (double v : {fs, fpass, fstop, ripple, attenuation})
     if (!std::isfinite(v)) return kDesignFailed;
-  if (fs <= 0 || fpass <= 0 || fstop <= 0) return kBadEdges;
-  if (fpass >= fs / 2 || fstop >= fs / 2) return kEdgeAboveNyquist;
+  if (fs <= 0 || fpass <= 0 || fstop <= 0) return kBadCutoff;
+  if (fpass >= fs / 2 || fstop >= fs / 2) return kCutoffAboveNyquist;
   if (type != kLowpass && type != kHighpass) return kBadSelector;
-  if (type == kLowpass ? fpass >= fstop : fpass <= fstop) return kBadEdges;
+  if (type == kLowpass ? fpass >= fstop : fpass <= fstop) return kBadCutoff;
   if (!(ripple > 0 && ripple < 1)) return kNotInUnitInterval;
   if (!(attenuation > 0)) return kBadShape;
 

@@ -332,26 +332,26 @@ int32_t validate(int32_t n, double fs, const Band* b, int32_t nb, int32_t type) 
   if (n < 3) return kDesignFailed;
   if (nb < 1) return kEmptyInput;
   if (!finite(fs)) return kDesignFailed;
-  if (fs <= 0) return kBadEdges;
+  if (fs <= 0) return kBadCutoff;
   for (int32_t i = 0; i < nb; ++i)
     for (double edge : {b[i].lower, b[i].upper}) {
       if (!finite(edge)) return kDesignFailed;
-      if (edge < 0) return kBadEdges;
+      if (edge < 0) return kBadCutoff;
     }
   for (int32_t i = 0; i < nb; ++i) {
     if (!finite(b[i].weight)) return kDesignFailed;
-    if (b[i].weight <= 0) return kBadEdges;
+    if (b[i].weight <= 0) return kBadCutoff;
   }
   for (int32_t i = 0; i < nb; ++i) {
     if (!finite(b[i].desired)) return kDesignFailed;
-    if (b[i].desired < 0) return kBadEdges;
+    if (b[i].desired < 0) return kBadCutoff;
   }
   const double last = b[nb - 1].upper;
-  if (last / fs > 0.5) return kEdgeAboveNyquist;
+  if (last / fs > 0.5) return kCutoffAboveNyquist;
   double before = -1;
   for (int32_t i = 0; i < nb; ++i)
     for (double edge : {b[i].lower, b[i].upper}) {
-      if (!(edge > before)) return kBadEdges;
+      if (!(edge > before)) return kBadCutoff;
       before = edge;
     }
   const double gap = std::fabs(last - fs / 2);

@@ -50,9 +50,9 @@ enum Code : int32_t {
   kNonPositiveDuty = -20011,    // a square pattern's duty cycle is zero or negative
   kNonFinitePhase = -20068,     // a wave's phase or frequency is NaN or infinite
 
-  // Filters: IIR design and filtering.
-  kCutoffAboveNyquist = -20020,      // a cut-off above half the sampling rate
-  kBadCutoff = -20023,               // fs or a cut-off not positive, or the band's edges out of order
+  // Filters: IIR and FIR design and filtering.
+  kCutoffAboveNyquist = -20020,      // a cut-off or band edge above half the sampling rate
+  kBadCutoff = -20023,               // fs, a cut-off, band edge, weight or desired value bad, or edges out of order
   kBadRipple = -20024,               // a passband ripple not positive
   kBadAttenuation = -20025,          // a stopband attenuation not positive
   kAttenuationBelowRipple = -20028,  // an elliptic attenuation not above its ripple
@@ -66,9 +66,7 @@ enum Code : int32_t {
   kBadBinCount = -20317,        // fewer than 1 histogram bin
   kWarnWeakState = 20021,       // warning: a state's mode holds under 5 % of the samples
 
-  // FIR design and filtering.
-  kEdgeAboveNyquist = -20020,   // a band edge or cut-off above fs/2
-  kBadEdges = -20023,           // non-positive fs, bad edge, weight or desired value, cut-offs out of order
+  // FIR design.
   kDesignFailed = -20031,       // too few taps, non-finite input, inconsistent bands, no convergence
 };
 

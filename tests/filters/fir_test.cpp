@@ -466,13 +466,13 @@ double gain(const std::vector<double>& h, double f) {
 }  // namespace
 
 TEST(FirNarrow, DesignMeetsItsBandsAndFilteringIsTheCascade) {
-  struct Spec {
+  struct Narrow {
     double fs, fp, fst, ripple, att;
     int32_t type, factor;
   };
-  for (Spec sp : {Spec{1000, 20, 25, 0.01, 60, 0, 0}, Spec{48000, 1000, 1200, 0.02, 50, 0, 0},
-                  Spec{1000, 480, 475, 0.01, 60, 1, 0}, Spec{1000, 470, 460, 0.05, 40, 1, 3},
-                  Spec{1000, 50, 80, 0.01, 40, 0, 1}}) {
+  for (Narrow sp : {Narrow{1000, 20, 25, 0.01, 60, 0, 0}, Narrow{48000, 1000, 1200, 0.02, 50, 0, 0},
+                  Narrow{1000, 480, 475, 0.01, 60, 1, 0}, Narrow{1000, 470, 460, 0.05, 40, 1, 3},
+                  Narrow{1000, 50, 80, 0.01, 40, 0, 1}}) {
     SCOPED_TRACE(testing::Message() << "fp " << sp.fp << " fst " << sp.fst << " type " << sp.type);
     jqrt::Array<double> g, i;
     int32_t type = sp.type, factor = sp.factor, error = 1;

@@ -17,13 +17,13 @@ namespace {
 using cd = std::complex<double>;
 using Arr = jqrt::Array<double>;
 
-struct Spec {
+struct Design {
   int32_t family, type, order, topology;
   double fs, fl, fh, ripple, atten;
 };
 
 // Calls the family's export; topology < 0 picks the form without one.
-int32_t design(const Spec& s, uint8_t** rev, uint8_t** fwd, int32_t* err) {
+int32_t design(const Design& s, uint8_t** rev, uint8_t** fwd, int32_t* err) {
   double fs = s.fs, fl = s.fl, fh = s.fh, r = s.ripple, a = s.atten;
   int32_t n = s.order, t = s.type, top = s.topology;
   const bool own = top < 0;
@@ -66,7 +66,7 @@ TEST(IirDesign, ResponsesMatchScipyInEveryFamilyTypeAndTopology) {
   for (const oracle::DesignCase& c : oracle::kDesigns) {
     SCOPED_TRACE(testing::Message() << "family " << c.family << " type " << c.type << " order " << c.order
                                     << " topology " << c.topology);
-    const Spec s{c.family, c.type, c.order, c.topology, c.fs, c.fl, c.fh, c.ripple, c.atten};
+    const Design s{c.family, c.type, c.order, c.topology, c.fs, c.fl, c.fh, c.ripple, c.atten};
     Arr a, b;
     int32_t err = 1;
     ASSERT_EQ(design(s, a.h(), b.h(), &err), 0);
@@ -100,7 +100,7 @@ TEST(IirDesign, ResponsesMatchScipyInEveryFamilyTypeAndTopology) {
     // The form without topology gives the natural one's coefficients.
     if (c.topology == (band ? 1 : 0)) {
       Arr a2, b2;
-      Spec own = s;
+      Design own = s;
       own.topology = -1;
       ASSERT_EQ(design(own, a2.h(), b2.h(), &err), 0);
       EXPECT_EQ(a2.values(), a.values());
@@ -143,7 +143,7 @@ TEST(IirDesign, FourthOrderSectionsAreProductsOfSecondOrderOnes) {
 TEST(IirDesign, RejectionsInValidationOrderLeaveBothArraysEmpty) {
   const double nan = jqtest::nan();
   using R = jqtest::Rejection;
-  auto call = [](Spec s) {
+  auto call = [](Design s) {
     return [s](uint8_t** out) {
       Arr fwd(4);
       int32_t err = 7;
