@@ -28,15 +28,18 @@ JQ_API int32_t Names(JQ_IN JQArrF64 np, JQ_OUT double lambda[2], int32_t _fn, do
 """
 
 
+def parse_sample():
+    with tempfile.TemporaryDirectory() as d:
+        os.mkdir(os.path.join(d, "jqanlys"))
+        for name, text in (("jqanlys.h", HEADER), (os.path.join("jqanlys", "fam.h"), FAMILY)):
+            with open(os.path.join(d, name), "w") as f:
+                f.write(text)
+        return _header.parse(d)
+
+
 class DeclarationTest(unittest.TestCase):
     def test_reads_kinds_types_and_directions(self):
-        with tempfile.TemporaryDirectory() as d:
-            os.mkdir(os.path.join(d, "jqanlys"))
-            with open(os.path.join(d, "jqanlys.h"), "w") as f:
-                f.write(HEADER)
-            with open(os.path.join(d, "jqanlys", "fam.h"), "w") as f:
-                f.write(FAMILY)
-            structs, exports, skipped = _header.parse(d)
+        structs, exports, skipped = parse_sample()
         self.assertEqual(structs["JQPair"].fields, [("a", "double", None), ("b", "double", None), ("n", "int32_t", None)])
         self.assertTrue(structs["JQOpaque"].opaque)
         by = {e.name: e for e in exports}
@@ -54,13 +57,7 @@ class DeclarationTest(unittest.TestCase):
     def test_generated_functions_survive_awkward_names(self):
         # Names of numpy, of Python keywords and builtins and of the generated
         # code's own variables, bound to a stand-in for the C function.
-        with tempfile.TemporaryDirectory() as d:
-            os.mkdir(os.path.join(d, "jqanlys"))
-            with open(os.path.join(d, "jqanlys.h"), "w") as f:
-                f.write(HEADER)
-            with open(os.path.join(d, "jqanlys", "fam.h"), "w") as f:
-                f.write(FAMILY)
-            structs, exports, _ = _header.parse(d)
+        structs, exports, _ = parse_sample()
         calls = []
 
         class Stand_in:
