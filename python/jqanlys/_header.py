@@ -20,6 +20,9 @@ SCALARS = {
     "int8_t": "int8", "int": "intc",
 }
 DIRECTIONS = ("JQ_IN", "JQ_OUT", "JQ_INOUT")
+# Names of the int32 out-parameter that carries the code in the exports that
+# report through an argument (older families say error, linear algebra status).
+_CODE_NAMES = ("error", "status")
 
 _HANDLE = re.compile(r"JQ(Arr|Mat)(F64|C128|F32|C64|I32|U32|U8)$")
 _COMMENTS = re.compile(r"/\*.*?\*/|//[^\n]*", re.S)
@@ -113,7 +116,7 @@ def _classify(text, structs, export):
             if not count:
                 raise HeaderError(f"{export}: parameter {name!r} has no element count")
             return Param(name, "vector", direction, ctype, SCALARS[ctype], count=int(count) if count.isdigit() else count)
-        if name == "error" and ctype == "int32_t" and direction == "out":
+        if ctype == "int32_t" and direction == "out" and name in _CODE_NAMES:
             return Param(name, "error", direction, ctype, "int32")
         return Param(name, "ref", direction, ctype, SCALARS[ctype])
     if ctype in structs and pointers == 1 and not structs[ctype].opaque:

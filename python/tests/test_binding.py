@@ -22,6 +22,7 @@ JQ_API int32_t Filt(JQ_IN JQArrF64 x, JQ_OUT JQMatC128 y, JQ_INOUT double state[
                     JQ_INOUT JQSlot instance);
 JQ_API int32_t Old(JQ_INOUT JQArrI32 a, JQ_IN int32_t* n, JQ_OUT int32_t* error, JQ_INOUT JQPair* p);
 JQ_API void Fn(double x, JQ_OUT double* result);
+JQ_API int32_t Lin(JQ_IN JQMatF64 a, JQ_OUT int32_t* rank, JQ_OUT int32_t* status);
 JQ_API JQOpaque* Make(uint32_t n);
 JQ_API int32_t Unmarked(double* x);
 JQ_API int32_t Names(JQ_IN JQArrF64 np, JQ_OUT double lambda[2], int32_t _fn, double type, JQ_INOUT JQPair* p);
@@ -50,6 +51,7 @@ class DeclarationTest(unittest.TestCase):
         self.assertEqual([p.kind for p in by["Old"].params], ["array", "ref", "error", "struct"])
         self.assertEqual(by["Make"].result, "JQOpaque*")
         self.assertEqual(by["Fn"].params[1].kind, "ref")
+        self.assertEqual([p.kind for p in by["Lin"].params], ["array", "ref", "error"])
         # A parameter without its mark is reported, and the others still bind.
         self.assertIn("Unmarked", skipped)
         self.assertNotIn("Unmarked", by)
