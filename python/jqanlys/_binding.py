@@ -14,8 +14,8 @@ Rules, read from the declaration:
   arguments. A slot is a `Slot`; without one, each export keeps its own slot
   per thread. A JQ_INOUT struct is changed in place, so a state object passed
   on every call continues its stream.
-- The code is the result or, where the export has a trailing `error`
-  out-parameter, that parameter (with a failed host resize as -20001).
+- The code is the result or, where the export has an `error` (or `status`)
+  int32 out-parameter, that parameter (with a failed host resize as -20001).
   Negative codes raise JQError; positive codes warn with JQWarning.
 """
 import atexit
