@@ -62,6 +62,12 @@ template <class T> void empty_array(JQHandle h) {
   outs.fail(kOk);
 }
 
+// After a failed call, empties each array (of the matching element type).
+template <class... T, class... H> void empty_on_failure(int32_t code, H... arrays) {
+  static_assert(sizeof...(T) == sizeof...(H));
+  if (code < 0) (empty_array<T>(arrays), ...);
+}
+
 // A state array of the caller: sized to fit, zeroed when fresh or asked to.
 template <class T> class State {
  public:
@@ -70,6 +76,8 @@ template <class T> class State {
   int32_t fit(int64_t n) {
     if (count(out_.handle()) == n) return 0;
     fresh_ = true;
+    // Two histories joined can outgrow a host count: refused as a resize would be.
+    if (n > INT32_MAX) return kNoMemory;
     return host_resize(Out<T>::type_code, 1, out_.slot(), static_cast<int32_t>(n), 0);
   }
   bool fresh() const { return fresh_; }
@@ -190,7 +198,7 @@ template <class T> Status cascade_block(T* x, int64_t n, int32_t topology, JQHan
 // the result is the host's status after a failed resize.
 template <class T> int32_t report_error(const Status& st, JQHandle signal, int32_t* error) {
   if (error) *error = st.code;
-  if (st.code < 0) empty_array<T>(signal);
+  empty_on_failure<T>(st.code, signal);
   return st.code == kNoMemory ? st.host : 0;
 }
 
@@ -206,10 +214,7 @@ template <class T> int32_t filter2(JQHandle x, const int32_t* topology, JQHandle
 template <class T> int32_t filter_one_state(JQHandle x, JQHandle a, JQHandle b, JQHandle state, uint8_t flag) {
   const int64_t n = count(x);
   const Status st = n < 1 ? Status{kEmptyInput} : direct_one(Array1<T>(x).data(), n, a, b, state, flag != 1, false);
-  if (st.code < 0) {
-    empty_array<T>(x);
-    State<T>(state).empty();
-  }
+  empty_on_failure<T, T>(st.code, x, state);
   return st.code;
 }
 
@@ -229,10 +234,8 @@ template <class T> int32_t point_by_point(T* sample, int32_t structure, JQHandle
     st = direct_one(sample, 1, a, b, state, reset, structure == 3);
   else
     st = {kBadSelector};
-  if (st.code < 0) {
-    State<T>(state).empty();
-    *sample = T{};
-  }
+  empty_on_failure<T>(st.code, state);
+  if (st.code < 0) *sample = T{};
   return st.code;
 }
 
@@ -240,10 +243,8 @@ template <class T> int32_t point_by_point(T* sample, int32_t structure, JQHandle
 // (or output) emptied on failure.
 template <class X> int32_t complex_coefficients(JQHandle x, JQHandle y, JQHandle a, JQHandle b, JQHandle fstate, JQHandle rstate, uint8_t flag) {
   const Status st = direct_two<X, cdouble, cdouble>(x, y, a, b, fstate, rstate, flag != 1);
-  if (st.code < 0) {
-    empty_array<X>(x);
-    if (y != x) empty_array<cdouble>(y);
-  }
+  // With complex data x is also the output; emptying it twice is harmless.
+  empty_on_failure<X, cdouble>(st.code, x, y);
   return st.code;
 }
 
@@ -251,7 +252,7 @@ template <class X> int32_t complex_coefficients(JQHandle x, JQHandle y, JQHandle
 template <class Run> int32_t zero_phase_export(JQHandle x, Run run) {
   const int64_t n = count(x);
   const Status st = n < 1 ? Status{kEmptyInput} : run(Array1<double>(x).data(), n);
-  if (st.code < 0) empty_array<double>(x);
+  empty_on_failure<double>(st.code, x);
   return st.code;
 }
 
