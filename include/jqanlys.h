@@ -69,6 +69,7 @@ typedef struct JQErrorCluster {
 #include "jqanlys/waveforms.h"
 #include "jqanlys/windows.h"
 #include "jqanlys/dct.h"
+#include "jqanlys/linalg.h"
 #include "jqanlys/iir.h"
 #include "jqanlys/measure.h"
 #include "jqanlys/fir.h"

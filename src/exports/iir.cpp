@@ -68,17 +68,30 @@ template <class... T, class... H> void empty_on_failure(int32_t code, H... array
   if (code < 0) (empty_array<T>(arrays), ...);
 }
 
+// How a filter call ended: its code and, after a failed resize, the host's status.
+struct Status {
+  int32_t code = kOk;
+  int32_t host = 0;
+};
+
+// Resizes an array of the caller. A null handle cannot carry a new block
+// back to the caller, so it is refused without asking the host.
+template <class T> Status resize_array(Out<T>& o, int64_t n) {
+  if (!o.handle()) return {kNoMemory, 0};
+  if (int32_t h = host_resize(Out<T>::type_code, 1, o.slot(), static_cast<int32_t>(n), 0)) return {kNoMemory, h};
+  return {};
+}
+
 // A state array of the caller: sized to fit, zeroed when fresh or asked to.
 template <class T> class State {
  public:
   explicit State(JQHandle h) : out_(h) {}
-  // Host status of the resize (0 when the length already fits).
-  int32_t fit(int64_t n) {
-    if (count(out_.handle()) == n) return 0;
+  Status fit(int64_t n) {
+    if (count(out_.handle()) == n) return {};
     fresh_ = true;
     // Two histories joined can outgrow a host count: refused as a resize would be.
-    if (n > INT32_MAX) return kNoMemory;
-    return host_resize(Out<T>::type_code, 1, out_.slot(), static_cast<int32_t>(n), 0);
+    if (n > INT32_MAX) return {kNoMemory, 0};
+    return resize_array(out_, n);
   }
   bool fresh() const { return fresh_; }
   void zero(int64_t n) { std::fill(data(), data() + n, T{}); }
@@ -90,21 +103,15 @@ template <class T> class State {
   bool fresh_ = false;
 };
 
-// How a filter call ended: its code and, after a failed resize, the host's status.
-struct Status {
-  int32_t code = kOk;
-  int32_t host = 0;
-};
-
 // Fits the states in order; the first that cannot be resized is emptied. All
 // start from zeros when one was resized or when reset is asked for.
 template <class... S> Status fit_states(bool reset, std::pair<S*, int64_t>... s) {
   Status st;
   auto fit = [&](auto* state, int64_t n) {
     if (st.code) return;
-    if (int32_t h = state->fit(n)) {
+    if (const Status r = state->fit(n); r.code) {
       state->empty();
-      st = {kNoMemory, h};
+      st = r;
     }
   };
   (fit(s.first, s.second), ...);
@@ -139,7 +146,7 @@ Status direct_two(JQHandle x, JQHandle y, JQHandle a, JQHandle b, JQHandle fstat
   Y* out = reinterpret_cast<Y*>(xs.data());
   if constexpr (!std::is_same_v<X, Y>) {
     Out<Y> yo(y);
-    if (int32_t h = host_resize(Out<Y>::type_code, 1, yo.slot(), static_cast<int32_t>(n), 0)) return {kNoMemory, h};
+    if (const Status r = resize_array(yo, n); r.code) return r;
     out = yo.data();
   }
   return {direct_form<X, C, Y>(xs.data(), out, n, as.data(), na, bs.data(), nb, f.data(), na > 0 ? r.data() : nullptr)};

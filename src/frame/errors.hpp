@@ -50,6 +50,15 @@ enum Code : int32_t {
   kNonPositiveDuty = -20011,    // a square pattern's duty cycle is zero or negative
   kNonFinitePhase = -20068,     // a wave's phase or frequency is NaN or infinite
 
+  // Linear algebra.
+  kIncompatibleDims = -20039,   // inner dimensions of a product or the rows of right-hand sides differ
+  kNoConvergence = -20062,      // the SVD did not converge
+  kNonFiniteMatrix = -20068,    // NaN, an infinity or the largest magnitude in a matrix or vector
+  kNotPosDef = -20071,          // the matrix is not positive definite
+  kZeroNormOrder = -20141,      // p = 0 in a vector norm
+  kWarnRankDeficient = 20001,   // warning: least-squares solution of a rank-deficient system
+  kWarnSingularLU = 20003,      // warning: an exactly zero pivot in an LU factor
+
   // Filters: IIR and FIR design and filtering.
   kCutoffAboveNyquist = -20020,      // a cut-off or band edge above half the sampling rate
   kBadCutoff = -20023,               // fs, a cut-off, band edge, weight or desired value bad, or edges out of order

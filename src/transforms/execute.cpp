@@ -9,6 +9,7 @@
 #include <cstring>
 
 #include "frame/errors.hpp"
+#include "frame/scratch.hpp"
 #include "transforms/fft.hpp"
 
 namespace jq::fft {
@@ -22,7 +23,7 @@ class PrimeWork {
     if (p <= kStack) {
       base_ = stack_;
     } else {
-      heap_ = static_cast<double*>(std::malloc(sizeof(double) * 8 * static_cast<size_t>(p)));
+      heap_ = scratch_zeroed<double>(8 * static_cast<size_t>(p));
       base_ = heap_;
     }
   }
@@ -306,7 +307,7 @@ int32_t ExecuteInverseRealFFT(const FFTTable* t, const double* in, double* out, 
     out[0] = in[0];
     return kOk;
   }
-  auto* h = static_cast<double*>(std::malloc(sizeof(double) * static_cast<size_t>(n)));
+  auto* h = scratch_zeroed<double>(static_cast<size_t>(n));
   if (!h) return kNoMemory;
   h[0] = in[0];
   for (int32_t k = 1; k < n - k; ++k) {
