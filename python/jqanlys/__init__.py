@@ -8,7 +8,7 @@ Two layers:
   `spectrum`, `cross_spectrum`, `fft2`, `ifft2`, `dct`, `idct`, `dst`,
   `idst`, `hilbert`, `hartley`, and the modules `windows`, `noise`,
   `waveforms`, `special`, `stats`, `measure`, `filters` (FIR), `signal`
-  (convolution and correlation) and `integrate`.
+  (convolution and correlation), `integrate` and `linalg`.
 
 The shared libraries and the header are found through JQANLYS_LIBDIR and
 JQANLYS_INCLUDE, else the installed tree, else the source tree's build."""
@@ -32,10 +32,10 @@ release_defaults = _bound.release_defaults
 
 from .transforms import (fft, ifft, rfft, irfft, fft2, ifft2, spectrum, cross_spectrum,  # noqa: E402
                          dct, idct, dst, idst, hilbert, ihilbert, hartley, ihartley)
-from . import windows, noise, waveforms, special, stats, measure, filters, signal, integrate  # noqa: E402,F401
+from . import windows, noise, waveforms, special, stats, measure, filters, signal, integrate, linalg  # noqa: E402,F401
 
 __all__ = ["JQError", "JQWarning", "MESSAGES", "message", "Slot", "exports", "structs", "lib", "runtime",
            "release_defaults", "fft", "ifft", "rfft", "irfft", "fft2", "ifft2", "spectrum", "cross_spectrum",
            "dct", "idct", "dst", "idst", "hilbert", "ihilbert", "hartley", "ihartley",
            "windows", "noise", "waveforms", "special", "stats", "measure",
-           "filters", "signal", "integrate"]
+           "filters", "signal", "integrate", "linalg"]

@@ -10,7 +10,7 @@ import scipy.special as sp
 import scipy.stats
 
 import jqanlys
-from jqanlys import filters, integrate, measure, noise, signal, special, stats, waveforms, windows
+from jqanlys import filters, integrate, linalg, measure, noise, signal, special, stats, waveforms, windows
 
 RNG = np.random.default_rng(7)
 # Lengths that take different paths: tiny, odd, prime, power of two, mixed.
@@ -277,6 +277,33 @@ class SignalTest(unittest.TestCase):
         close(integrate.integrate(f, t[1], "simpson"), scipy.integrate.simpson(f, x=t))
         m = np.outer(f, f)
         close(integrate.integrate2d(m, t[1], t[1]), np.trapz(np.trapz(m, t), t))
+
+
+class LinalgTest(unittest.TestCase):
+    def test_matches_numpy(self):
+        a, b, v = RNG.standard_normal((5, 5)), RNG.standard_normal((5, 3)), RNG.standard_normal(5)
+        z = a + 1j * RNG.standard_normal((5, 5))
+        close(linalg.matmul(a, b), a @ b)
+        for m in (a, z):
+            close(linalg.det(m), np.linalg.det(m), 1e-10)
+            close(linalg.inv(m), np.linalg.inv(m), 1e-10)
+        close(linalg.solve(a, v), np.linalg.solve(a, v), 1e-10)
+        close(linalg.solve(a, b), np.linalg.solve(a, b), 1e-10)
+        close(linalg.pinv(b), np.linalg.pinv(b), 1e-10)
+        self.assertEqual(linalg.matrix_rank(b), 3)
+        close(linalg.svdvals(a), np.linalg.svd(a, compute_uv=False))
+        u, s, w = linalg.svd(a)
+        close(u @ np.diag(s) @ w.T, a, 1e-10)
+        spd = a @ a.T + 5 * np.eye(5)
+        low = linalg.cholesky(spd)
+        close(low @ low.T, spd)
+        q, r = linalg.qr(b)
+        close(q @ r, b)
+        values, vectors = linalg.eig(a)
+        close(a @ vectors, vectors * values, 1e-10)
+        with self.assertRaises(jqanlys.JQError) as e:
+            linalg.solve(np.zeros((3, 3)), np.ones(3))
+        self.assertEqual(e.exception.code, -20041)
 
 
 if __name__ == "__main__":
