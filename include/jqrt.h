@@ -46,6 +46,9 @@ JQRT_API void* jqrt_data(uint8_t** handle, int32_t typeCode, int32_t numDims);
 /* Calls every registered clean-up procedure, as the host does when a
  * calling context goes away, and forgets them. Returns how many ran. */
 JQRT_API int32_t jqrt_dispose_context(void);
+/* Calls and forgets the clean-up procedures registered for one instance,
+ * as the host does when a single call site goes away. Returns how many ran. */
+JQRT_API int32_t jqrt_dispose_instance(void* instance);
 /* Number of clean-up procedures currently registered. */
 JQRT_API int32_t jqrt_cleanup_count(void);
 

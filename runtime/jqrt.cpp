@@ -152,6 +152,24 @@ int32_t jqrt_dispose_context(void) {
   return static_cast<int32_t>(run.size());
 }
 
+int32_t jqrt_dispose_instance(void* instance) {
+  std::vector<std::pair<int32_t (*)(void*), void*>> run;
+  {
+    std::lock_guard<std::mutex> lock(g_lock);
+    auto& v = *g_cleanups;
+    for (auto it = v.begin(); it != v.end();) {
+      if (it->second == instance) {
+        run.push_back(*it);
+        it = v.erase(it);
+      } else {
+        ++it;
+      }
+    }
+  }
+  for (auto& c : run) c.first(c.second);
+  return static_cast<int32_t>(run.size());
+}
+
 int32_t jqrt_cleanup_count(void) {
   std::lock_guard<std::mutex> lock(g_lock);
   return static_cast<int32_t>(g_cleanups->size());
