@@ -28,6 +28,7 @@
 #include "jqanlys.h"
 #include "jqrt.h"
 #include "sweep_types.hpp"
+#include "starting_arguments.hpp"
 
 namespace sweep {
 #include "sweep_table.inc"
@@ -92,14 +93,20 @@ constexpr int32_t kMin32 = std::numeric_limits<int32_t>::min();
 constexpr int32_t kMax32 = std::numeric_limits<int32_t>::max();
 
 // Data of an input array.
-enum class Data { kSmooth, kAllNaN, kOneNaN, kPosInf, kNegInf, kMaxPos, kMaxNeg, kDenormal, kZero, kMixed };
+// The kinds after kMixed are valid-call data, not adversarial cases: a
+// positive increasing ramp (fits of logs, bin edges), a symmetric,
+// diagonally dominant matrix (positive definite, well conditioned) and a
+// constant.
+enum class Data { kSmooth, kAllNaN, kOneNaN, kPosInf, kNegInf, kMaxPos, kMaxNeg, kDenormal, kZero, kMixed,
+                  kRamp, kSpd, kConst };
 const char* name_of(Data d) {
   static const char* names[] = {"smooth", "all NaN", "one NaN", "+Inf", "-Inf", "+max", "-max", "denormals", "zeros",
-                                "mixed extremes"};
+                                "mixed extremes", "ramp", "spd", "constant"};
   return names[static_cast<int>(d)];
 }
 
-double sample(Data d, int64_t i) {
+// i is the element's flat index; a matrix of `cols` columns places it.
+double sample(Data d, int64_t i, int32_t cols = 1, double constant = 0) {
   const double smooth = 0.5 + std::sin(0.7 * static_cast<double>(i)) + 0.25 * std::cos(2.3 * static_cast<double>(i));
   switch (d) {
     case Data::kSmooth: return smooth;
@@ -115,6 +122,12 @@ double sample(Data d, int64_t i) {
       static const double v[] = {kMax, -kInf, kDenormal, 0.0, kNaN, -kMax, 1.0, kInf};
       return v[i % 8];
     }
+    case Data::kRamp: return 1.0 + 0.5 * static_cast<double>(i);
+    case Data::kSpd: {
+      const int64_t r = i / cols, c = i % cols, gap = r > c ? r - c : c - r;
+      return 1.0 / static_cast<double>(1 + gap) + (gap == 0 ? static_cast<double>(cols) + 1 : 0.0);
+    }
+    case Data::kConst: return constant;
   }
   return 0;
 }
@@ -125,18 +138,23 @@ int64_t integer_sample(Data d, int64_t i) {
     case Data::kMaxPos: return kMax32;
     case Data::kMaxNeg: return i % 2 ? kMin32 : kMax32;
     case Data::kZero: return 0;
+    case Data::kRamp: return i + 1;
+    case Data::kConst: return 0;
     default: return i % 2 ? -1 : kMin32;
   }
 }
 
-void fill(void* data, int32_t code, int64_t count, Data d) {
+void fill(void* data, int32_t code, int64_t count, int32_t cols, Data d, double constant) {
+  // A valid-call matrix stays Hermitian: its imaginary part is zero.
+  const bool real_only = d == Data::kSpd || d == Data::kRamp || d == Data::kConst;
   for (int64_t i = 0; i < count; ++i) {
+    const double re = sample(d, i, cols, constant), im = real_only ? 0.0 : sample(d, i + 7, cols, constant);
     switch (code) {
-      case 10: static_cast<double*>(data)[i] = sample(d, i); break;
-      case 13: static_cast<double*>(data)[2 * i] = sample(d, i), static_cast<double*>(data)[2 * i + 1] = sample(d, i + 7); break;
-      case 9: static_cast<float*>(data)[i] = static_cast<float>(sample(d, i)); break;
-      case 12: static_cast<float*>(data)[2 * i] = static_cast<float>(sample(d, i)),
-               static_cast<float*>(data)[2 * i + 1] = static_cast<float>(sample(d, i + 7)); break;
+      case 10: static_cast<double*>(data)[i] = re; break;
+      case 13: static_cast<double*>(data)[2 * i] = re, static_cast<double*>(data)[2 * i + 1] = im; break;
+      case 9: static_cast<float*>(data)[i] = static_cast<float>(re); break;
+      case 12: static_cast<float*>(data)[2 * i] = static_cast<float>(re),
+               static_cast<float*>(data)[2 * i + 1] = static_cast<float>(im); break;
       case 3: static_cast<int32_t*>(data)[i] = static_cast<int32_t>(integer_sample(d, i)); break;
       case 7: static_cast<uint32_t*>(data)[i] = static_cast<uint32_t>(integer_sample(d, i)); break;
       case 5: static_cast<uint8_t*>(data)[i] = static_cast<uint8_t>(integer_sample(d, i) & 1); break;
@@ -290,7 +308,8 @@ struct Frame {
     }
     *keep = h;
     if (v.tag == Value::kArray) {
-      fill(jqrt_data(h, p.code, p.rank), p.code, static_cast<int64_t>(d0) * (two ? d1 : 1), v.data);
+      fill(jqrt_data(h, p.code, p.rank), p.code, static_cast<int64_t>(d0) * (two ? d1 : 1), two ? d1 : 1, v.data,
+           v.number);
     } else if (v.tag == Value::kNullMaster) {
       std::free(*h);  // the runtime's blocks come from malloc; it frees whatever the cell holds
       *h = nullptr;
@@ -483,35 +502,108 @@ class Sweep {
     std::fflush(stdout);
   }
 
-  // A call that succeeds: defaults from the parameter names, then each
-  // scalar in turn tries a few other small values until the call succeeds.
+  // A call that succeeds: defaults from the parameter names, overridden by
+  // the export's starting arguments where it has some; then, unless that
+  // already succeeds, the same with square positive definite matrices and
+  // vectors of their side, then with positive increasing vectors; on each,
+  // every scalar in turn tries a few other small values.
   std::vector<Value> valid_values(const Export& e) {
     std::vector<Value> v;
     for (int i = 0; i < e.count; ++i) v.push_back(default_value(e.params[i]));
-    valid_ = call(e, v, "valid call").code >= 0;
-    // Vectors as long as a matrix's side, for exports that pair them.
+    std::vector<bool> fixed(e.count, false);
+    starting_values(e, v, fixed);
     bool has_matrix = false;
     for (int i = 0; i < e.count; ++i) has_matrix |= e.params[i].kind == Kind::kHandle && e.params[i].rank == 2;
-    if (!valid_ && has_matrix) {
+    auto input = [&](int i) { return !fixed[i] && is_handle_input(e.params[i]); };
+    std::vector<std::pair<std::string, std::vector<Value>>> tries{{"", v}};
+    if (has_matrix) {
       std::vector<Value> w = v;
       for (int i = 0; i < e.count; ++i)
-        if (is_handle_input(e.params[i]) && e.params[i].rank == 1) w[i] = array(4);
-      if ((valid_ = call(e, w, "valid call with vectors of 4").code >= 0)) v = w;
+        if (input(i)) w[i] = e.params[i].rank == 2 ? array(4, 4, Data::kSpd) : array(4);
+      tries.push_back({" with square matrices", w});
     }
-    for (int i = 0; i < e.count && !valid_; ++i) {
-      if (!is_scalar_input(e.params[i])) continue;
-      const Value keep = v[i];
-      for (double x : is_real_kind(e.params[i]) ? std::vector<double>{1, 0, 2, 10, 0.1, 60, 100}
-                                                : std::vector<double>{0, 1, 2, 4, 16, 3, 60}) {
-        v[i] = number(x);
-        if (call(e, v, "search for a valid call: " + std::string(e.params[i].name) + "=" + text(x)).code >= 0) {
-          valid_ = true;
-          break;
+    std::vector<Value> r = tries.back().second;
+    for (int i = 0; i < e.count; ++i)
+      if (input(i) && e.params[i].rank == 1) r[i] = array(r[i].d0, 1, Data::kRamp);
+    tries.push_back({" with increasing vectors", r});
+    for (auto& [how, w] : tries) {
+      if ((valid_ = call(e, w, "valid call" + how).code >= 0)) return w;
+      for (int i = 0; i < e.count; ++i) {
+        if (fixed[i] || !is_scalar_input(e.params[i])) continue;
+        const Value keep = w[i];
+        for (double x : is_real_kind(e.params[i]) ? std::vector<double>{1, 0, 2, 10, 0.1, 60, 100}
+                                                  : std::vector<double>{0, 1, 2, 4, 16, 3, 60}) {
+          w[i] = number(x);
+          if (call(e, w, "search for a valid call" + how + ": " + e.params[i].name + "=" + text(x)).code >= 0) {
+            valid_ = true;
+            return w;
+          }
         }
+        w[i] = keep;
       }
-      if (!valid_) v[i] = keep;
     }
     return v;
+  }
+
+  // The export's entry in the starting-argument table, if any: each named
+  // parameter takes its value and keeps it through the search.
+  void starting_values(const Export& e, std::vector<Value>& v, std::vector<bool>& fixed) {
+    for (const StartingArguments& s : kStartingArguments) {
+      if (std::strcmp(s.name, e.name) != 0) continue;
+      const std::string all = s.values;
+      size_t at = 0;
+      while (at < all.size()) {
+        size_t end = all.find(' ', at);
+        if (end == std::string::npos) end = all.size();
+        const std::string item = all.substr(at, end - at);
+        at = end + 1;
+        if (item.empty()) continue;
+        const size_t eq = item.find('=');
+        int i = 0;
+        while (i < e.count && (eq == std::string::npos || item.compare(0, eq, e.params[i].name) != 0 ||
+                               std::strlen(e.params[i].name) != eq))
+          ++i;
+        if (i == e.count || !parse_value(e.params[i], item.substr(eq + 1), v[i])) {
+          fail(e, "starting arguments", "cannot use '" + item + "'");
+          continue;
+        }
+        fixed[i] = true;
+      }
+    }
+  }
+
+  // "12.5" for a scalar; "ROWS[xCOLS][/DATA]" for a handle, DATA one of
+  // ramp, spd, zero or a number that every element takes.
+  static bool parse_value(const Param& p, const std::string& s, Value& out) {
+    char* end = nullptr;
+    if (p.kind != Kind::kHandle) {
+      const double x = std::strtod(s.c_str(), &end);
+      if (end == s.c_str() || *end) return false;
+      out = number(x);
+      return true;
+    }
+    const long d0 = std::strtol(s.c_str(), &end, 10);
+    long d1 = 1;
+    if (*end == 'x') d1 = std::strtol(end + 1, &end, 10);
+    Data d = Data::kSmooth;
+    double constant = 0;
+    if (*end == '/') {
+      const std::string tag = end + 1;
+      if (tag == "ramp") d = Data::kRamp;
+      else if (tag == "spd") d = Data::kSpd;
+      else if (tag == "zero") d = Data::kZero;
+      else {
+        char* tail = nullptr;
+        constant = std::strtod(tag.c_str(), &tail);
+        if (tail == tag.c_str() || *tail) return false;
+        d = Data::kConst;
+      }
+    } else if (*end) {
+      return false;
+    }
+    out = array(static_cast<int32_t>(d0), static_cast<int32_t>(d1), d);
+    out.number = constant;
+    return true;
   }
 
   // Every parameter in turn takes each of its adversarial values, the others
