@@ -168,6 +168,7 @@ struct Value {
   int32_t d0 = 16, d1 = 4;  // kArray: the real sizes; kCounts: the sizes written over a valid block
   Data data = Data::kSmooth;
   double number = 0;  // kNumber: the scalar, or what a pointer points at
+  std::vector<double> list;  // kArray: elements given one by one, repeated to fill
 };
 
 Value array(int32_t d0, int32_t d1 = 4, Data d = Data::kSmooth) {
@@ -307,7 +308,11 @@ struct Frame {
       std::abort();
     }
     *keep = h;
-    if (v.tag == Value::kArray) {
+    if (v.tag == Value::kArray && !v.list.empty()) {
+      auto* at = static_cast<double*>(jqrt_data(h, p.code, p.rank));
+      const int64_t n = static_cast<int64_t>(d0) * (two ? d1 : 1) * (p.code == 13 ? 2 : 1);
+      for (int64_t k = 0; p.code == 10 || p.code == 13 ? k < n : false; ++k) at[k] = v.list[k % v.list.size()];
+    } else if (v.tag == Value::kArray) {
       fill(jqrt_data(h, p.code, p.rank), p.code, static_cast<int64_t>(d0) * (two ? d1 : 1), two ? d1 : 1, v.data,
            v.number);
     } else if (v.tag == Value::kNullMaster) {
@@ -373,6 +378,10 @@ void Frame::release() {
 // Exports whose float64 results read as this value instead of NaN on an
 // error, as documented for them: the state levels come back as zeros.
 const std::map<std::string, double> kResultsOnError = {{"StateLevels", 0.0}, {"StateLevels_IDP", 0.0}};
+
+// Results an export documents as written on one error: the equiripple
+// design reports the deviation it reached when it ran out of iterations.
+const std::map<std::string, int32_t> kResultsKeptOnCode = {{"Parks", -20031}};
 
 // In-out arrays that an export documents as kept on an error: the block-mode
 // filters leave their states for the caller, emptying them only where the
@@ -483,6 +492,8 @@ class Sweep {
           o.problem += std::string("output '") + p.name + "' not emptied on error " + std::to_string(o.code) + "; ";
       }
       const auto kept = kResultsOnError.find(e.name);
+      const auto written = kResultsKeptOnCode.find(e.name);
+      if (written != kResultsKeptOnCode.end() && written->second == o.code && p.kind == Kind::kPointer) continue;
       const auto* data = reinterpret_cast<const double*>(f.args[i].p);
       int32_t doubles = 0;
       if (p.kind == Kind::kPointer && p.dir == Dir::kOut && p.code == kF64) doubles = p.count;
@@ -545,24 +556,30 @@ class Sweep {
     return v;
   }
 
-  // The export's entry in the starting-argument table, if any: each named
-  // parameter takes its value and keeps it through the search.
+  // The export's entries in the starting-argument table: each named
+  // parameter takes its value and keeps it through the search. A name the
+  // export lacks fails the run, unless marked optional with a leading '?'.
   void starting_values(const Export& e, std::vector<Value>& v, std::vector<bool>& fixed) {
+    const std::string me = std::string(" ") + e.name + " ";
     for (const StartingArguments& s : kStartingArguments) {
-      if (std::strcmp(s.name, e.name) != 0) continue;
+      std::string names = " ";
+      names += s.names;
+      names += ' ';
+      if (names.find(me) == std::string::npos) continue;
       const std::string all = s.values;
       size_t at = 0;
       while (at < all.size()) {
         size_t end = all.find(' ', at);
         if (end == std::string::npos) end = all.size();
-        const std::string item = all.substr(at, end - at);
+        std::string item = all.substr(at, end - at);
         at = end + 1;
-        if (item.empty()) continue;
+        const bool optional = !item.empty() && item[0] == '?';
+        if (optional) item = item.substr(1);
         const size_t eq = item.find('=');
+        if (item.empty() || eq == std::string::npos) continue;
         int i = 0;
-        while (i < e.count && (eq == std::string::npos || item.compare(0, eq, e.params[i].name) != 0 ||
-                               std::strlen(e.params[i].name) != eq))
-          ++i;
+        while (i < e.count && item.compare(0, eq, e.params[i].name) != 0) ++i;
+        if (i == e.count && optional) continue;
         if (i == e.count || !parse_value(e.params[i], item.substr(eq + 1), v[i])) {
           fail(e, "starting arguments", "cannot use '" + item + "'");
           continue;
@@ -573,7 +590,8 @@ class Sweep {
   }
 
   // "12.5" for a scalar; "ROWS[xCOLS][/DATA]" for a handle, DATA one of
-  // ramp, spd, zero or a number that every element takes.
+  // ramp, spd, zero, a number that every element takes, or comma-separated
+  // float64 elements in order.
   static bool parse_value(const Param& p, const std::string& s, Value& out) {
     char* end = nullptr;
     if (p.kind != Kind::kHandle) {
@@ -587,15 +605,23 @@ class Sweep {
     if (*end == 'x') d1 = std::strtol(end + 1, &end, 10);
     Data d = Data::kSmooth;
     double constant = 0;
+    std::vector<double> list;
     if (*end == '/') {
       const std::string tag = end + 1;
       if (tag == "ramp") d = Data::kRamp;
       else if (tag == "spd") d = Data::kSpd;
       else if (tag == "zero") d = Data::kZero;
       else {
-        char* tail = nullptr;
-        constant = std::strtod(tag.c_str(), &tail);
-        if (tail == tag.c_str() || *tail) return false;
+        const char* at = tag.c_str();
+        for (;;) {
+          char* tail = nullptr;
+          const double x = std::strtod(at, &tail);
+          if (tail == at || (*tail && *tail != ',')) return false;
+          list.push_back(x);
+          if (!*tail) break;
+          at = tail + 1;
+        }
+        if (list.size() == 1) constant = list[0], list.clear();
         d = Data::kConst;
       }
     } else if (*end) {
@@ -603,6 +629,7 @@ class Sweep {
     }
     out = array(static_cast<int32_t>(d0), static_cast<int32_t>(d1), d);
     out.number = constant;
+    out.list = list;
     return true;
   }
 
