@@ -409,6 +409,7 @@ class Sweep {
   Sweep(bool light, bool faults, bool verbose) : light_(light), faults_(faults), verbose_(verbose) {}
   int64_t cases() const { return cases_; }
   int failures() const { return failures_; }
+  int without_valid_call() const { return without_valid_; }
 
   void run(const Export& e) {
     cases_before_ = cases_;
@@ -420,6 +421,7 @@ class Sweep {
     sweep_arguments(e, base);
     sweep_slots(e, base);
     if (faults_ && valid_) sweep_faults(e, base);
+    without_valid_ += valid_ ? 0 : 1;
     std::printf("%-28s %5" PRId64 " cases%s\n", e.name, cases_ - cases_before_,
                 valid_ ? "" : "  (no valid call found: argument cases only)");
     std::fflush(stdout);
@@ -789,6 +791,7 @@ class Sweep {
   bool valid_ = false;
   int64_t cases_ = 0, cases_before_ = 0;
   int failures_ = 0;
+  int without_valid_ = 0;
 };
 
 }  // namespace
@@ -838,7 +841,8 @@ int main(int argc, char** argv) {
     sweep.run(e);
   }
   const double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-  std::printf("%d exports, %" PRId64 " cases, %d failures, %.1f s\n", exports, sweep.cases(), sweep.failures(), seconds);
+  std::printf("%d exports (%d without a valid call), %" PRId64 " cases, %d failures, %.1f s\n", exports,
+              sweep.without_valid_call(), sweep.cases(), sweep.failures(), seconds);
   if (exports == 0) {
     std::printf("no export in the selected families\n");
     return 1;
