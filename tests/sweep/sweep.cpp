@@ -420,7 +420,13 @@ class Sweep {
     std::vector<Value> base = valid_values(e);
     sweep_arguments(e, base);
     sweep_slots(e, base);
-    if (faults_ && valid_) sweep_faults(e, base);
+    if (faults_ && valid_) {
+      sweep_faults(e, base, "");
+      // Longer inputs take other paths (transform sizes that are not powers
+      // of two, blocked loops), with their own allocations.
+      const std::vector<Value> larger = larger_values(e, base);
+      if (call(e, larger, "larger valid call").code >= 0) sweep_faults(e, larger, "larger call: ");
+    }
     without_valid_ += valid_ ? 0 : 1;
     std::printf("%-28s %5" PRId64 " cases%s\n", e.name, cases_ - cases_before_,
                 valid_ ? "" : "  (no valid call found: argument cases only)");
@@ -523,7 +529,8 @@ class Sweep {
   std::vector<Value> valid_values(const Export& e) {
     std::vector<Value> v;
     for (int i = 0; i < e.count; ++i) v.push_back(default_value(e.params[i]));
-    std::vector<bool> fixed(e.count, false);
+    fixed_.assign(e.count, false);
+    std::vector<bool>& fixed = fixed_;
     starting_values(e, v, fixed);
     bool has_matrix = false;
     for (int i = 0; i < e.count; ++i) has_matrix |= e.params[i].kind == Kind::kHandle && e.params[i].rank == 2;
@@ -757,7 +764,27 @@ class Sweep {
 
   // The valid call with each host resize, then each internal allocation,
   // failing in turn: -20001, outputs empty, and the next call succeeds.
-  void sweep_faults(const Export& e, const std::vector<Value>& base) {
+  // The valid call with its generated inputs longer: vectors of 97
+  // (prime) and matrices of 97 rows, or, where the call pairs square
+  // matrices with vectors of their side, side 12.
+  std::vector<Value> larger_values(const Export& e, const std::vector<Value>& base) const {
+    bool square = false;
+    for (int i = 0; i < e.count; ++i)
+      square |= !fixed_[i] && is_handle_input(e.params[i]) && e.params[i].rank == 2 && base[i].data == Data::kSpd;
+    std::vector<Value> v = base;
+    for (int i = 0; i < e.count; ++i) {
+      if (fixed_[i] || !is_handle_input(e.params[i]) || base[i].tag != Value::kArray) continue;
+      if (square) {
+        if (base[i].d0 == 4) v[i].d0 = 12;
+        if (e.params[i].rank == 2 && base[i].d1 == 4) v[i].d1 = 12;
+      } else {
+        v[i].d0 = 97;
+      }
+    }
+    return v;
+  }
+
+  void sweep_faults(const Export& e, const std::vector<Value>& base, const std::string& label) {
     if (e.result == Result::kVoid || e.result == Result::kValue) return;
     int64_t resizes = 0, allocations = 0;
     {
@@ -774,7 +801,7 @@ class Sweep {
     for (int pass = 0; pass < 2; ++pass) {
       const int64_t count = std::min(pass == 0 ? resizes : allocations, most);
       for (int64_t k = 1; k <= count; ++k) {
-        const std::string what = std::string(pass == 0 ? "host resize " : "internal allocation ") + std::to_string(k) +
+        const std::string what = label + (pass == 0 ? "host resize " : "internal allocation ") + std::to_string(k) +
                                  " of " + std::to_string(pass == 0 ? resizes : allocations) + " fails";
         if (pass == 0) jqrt_fail_resize(static_cast<int32_t>(k));
         else jq::fail_scratch_allocation(k);
@@ -789,6 +816,7 @@ class Sweep {
 
   bool light_, faults_, verbose_;
   bool valid_ = false;
+  std::vector<bool> fixed_;  // the parameters the starting-argument table set
   int64_t cases_ = 0, cases_before_ = 0;
   int failures_ = 0;
   int without_valid_ = 0;
