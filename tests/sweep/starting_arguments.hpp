@@ -2,7 +2,7 @@
 // search cannot find. Each entry names exports (space-separated) and
 // parameter values, the other parameters keeping the search's choice.
 // Handles read ROWS[xCOLS][/DATA] (DATA ramp, spd, zero, a constant or
-// float64 elements in order, repeated to fill), scalars and pointees a
+// elements in order, repeated to fill), scalars and pointees a
 // number; '?' marks a parameter only some of the named exports have.
 // Packed triangles of side 4 hold 10 elements.
 #pragma once

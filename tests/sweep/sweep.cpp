@@ -139,25 +139,29 @@ int64_t integer_sample(Data d, int64_t i) {
     case Data::kMaxNeg: return i % 2 ? kMin32 : kMax32;
     case Data::kZero: return 0;
     case Data::kRamp: return i + 1;
-    case Data::kConst: return 0;
     default: return i % 2 ? -1 : kMin32;
   }
 }
 
-void fill(void* data, int32_t code, int64_t count, int32_t cols, Data d, double constant) {
+// list: elements given one by one (real parts), repeated to fill; else d.
+void fill(void* data, int32_t code, int64_t count, int32_t cols, Data d, double constant,
+          const std::vector<double>& list) {
   // A valid-call matrix stays Hermitian: its imaginary part is zero.
   const bool real_only = d == Data::kSpd || d == Data::kRamp || d == Data::kConst;
   for (int64_t i = 0; i < count; ++i) {
-    const double re = sample(d, i, cols, constant), im = real_only ? 0.0 : sample(d, i + 7, cols, constant);
+    const double re = list.empty() ? sample(d, i, cols, constant) : list[static_cast<size_t>(i) % list.size()];
+    const double im = real_only ? 0.0 : sample(d, i + 7, cols, constant);
+    // Integer elements of a valid-call matrix or constant are its rounded values.
+    const int64_t whole = d == Data::kSpd || d == Data::kConst ? std::llround(re) : integer_sample(d, i);
     switch (code) {
       case 10: static_cast<double*>(data)[i] = re; break;
       case 13: static_cast<double*>(data)[2 * i] = re, static_cast<double*>(data)[2 * i + 1] = im; break;
       case 9: static_cast<float*>(data)[i] = static_cast<float>(re); break;
       case 12: static_cast<float*>(data)[2 * i] = static_cast<float>(re),
                static_cast<float*>(data)[2 * i + 1] = static_cast<float>(im); break;
-      case 3: static_cast<int32_t*>(data)[i] = static_cast<int32_t>(integer_sample(d, i)); break;
-      case 7: static_cast<uint32_t*>(data)[i] = static_cast<uint32_t>(integer_sample(d, i)); break;
-      case 5: static_cast<uint8_t*>(data)[i] = static_cast<uint8_t>(integer_sample(d, i) & 1); break;
+      case 3: static_cast<int32_t*>(data)[i] = static_cast<int32_t>(whole); break;
+      case 7: static_cast<uint32_t*>(data)[i] = static_cast<uint32_t>(whole); break;
+      case 5: static_cast<uint8_t*>(data)[i] = static_cast<uint8_t>(whole & 1); break;
     }
   }
 }
@@ -308,13 +312,9 @@ struct Frame {
       std::abort();
     }
     *keep = h;
-    if (v.tag == Value::kArray && !v.list.empty()) {
-      auto* at = static_cast<double*>(jqrt_data(h, p.code, p.rank));
-      const int64_t n = static_cast<int64_t>(d0) * (two ? d1 : 1) * (p.code == 13 ? 2 : 1);
-      for (int64_t k = 0; p.code == 10 || p.code == 13 ? k < n : false; ++k) at[k] = v.list[k % v.list.size()];
-    } else if (v.tag == Value::kArray) {
+    if (v.tag == Value::kArray) {
       fill(jqrt_data(h, p.code, p.rank), p.code, static_cast<int64_t>(d0) * (two ? d1 : 1), two ? d1 : 1, v.data,
-           v.number);
+           v.number, v.list);
     } else if (v.tag == Value::kNullMaster) {
       std::free(*h);  // the runtime's blocks come from malloc; it frees whatever the cell holds
       *h = nullptr;
@@ -600,7 +600,7 @@ class Sweep {
 
   // "12.5" for a scalar; "ROWS[xCOLS][/DATA]" for a handle, DATA one of
   // ramp, spd, zero, a number that every element takes, or comma-separated
-  // float64 elements in order.
+  // elements in order.
   static bool parse_value(const Param& p, const std::string& s, Value& out) {
     char* end = nullptr;
     if (p.kind != Kind::kHandle) {
