@@ -750,9 +750,7 @@ class Sweep {
     const int64_t live = jqrt_live_blocks();
     {
       Frame f(e);
-      std::vector<Value> other = base;
-      for (int i = 0; i < e.count; ++i)
-        if (is_handle_input(e.params[i])) other[i] = array(17, 3);
+      const std::vector<Value> other = other_length(e, base);
       call(e, base, "call site: first call", &f);
       call(e, base, "call site: same length again", &f);
       call(e, other, "call site: another length", &f);
@@ -760,6 +758,53 @@ class Sweep {
       f.release();
     }
     if (jqrt_live_blocks() != live) fail(e, "call site", "a host block was left behind");
+    if (faults_ && valid_) sweep_slot_faults(e, base, other_length(e, base));
+  }
+
+  std::vector<Value> other_length(const Export& e, const std::vector<Value>& base) const {
+    std::vector<Value> other = base;
+    for (int i = 0; i < e.count; ++i)
+      if (is_handle_input(e.params[i])) other[i] = array(17, 3);
+    return other;
+  }
+
+  // A call site that holds the state of one length, asked for another with
+  // each of that call's resizes and allocations failing in turn: -20001, and
+  // the call site still serves both lengths afterwards and frees everything.
+  void sweep_slot_faults(const Export& e, const std::vector<Value>& base, const std::vector<Value>& other) {
+    if (e.result == Result::kVoid || e.result == Result::kValue) return;
+    int64_t resizes = 0, allocations = 0;
+    const int64_t live = jqrt_live_blocks();
+    {
+      Frame f(e);
+      call(e, base, "call site faults: warm-up", &f);
+      const int64_t r = jqrt_resize_calls(), a = jq::scratch_allocations();
+      const bool valid = call(e, other, "call site faults: another length", &f).code >= 0;
+      resizes = valid ? jqrt_resize_calls() - r : 0;
+      allocations = valid ? jq::scratch_allocations() - a : 0;
+      f.release();
+    }
+    const int64_t most = light_ ? 2 : 200;
+    for (int pass = 0; pass < 2; ++pass) {
+      const int64_t count = std::min(pass == 0 ? resizes : allocations, most);
+      for (int64_t k = 1; k <= count; ++k) {
+        const std::string what = std::string("call site, another length: ") +
+                                 (pass == 0 ? "host resize " : "internal allocation ") + std::to_string(k) + " of " +
+                                 std::to_string(pass == 0 ? resizes : allocations) + " fails";
+        Frame f(e);
+        call(e, base, what + ": first length", &f);
+        if (pass == 0) jqrt_fail_resize(static_cast<int32_t>(k));
+        else jq::fail_scratch_allocation(k);
+        const Outcome o = call(e, other, what, &f);
+        jqrt_fail_resize(0);
+        jq::fail_scratch_allocation(0);
+        if (o.code != -20001) fail(e, what, "code " + std::to_string(o.code) + " instead of -20001");
+        if (call(e, other, what + ", then that length", &f).code < 0) fail(e, what, "the next call failed");
+        if (call(e, base, what + ", then the first length", &f).code < 0) fail(e, what, "the first length failed");
+        f.release();
+      }
+    }
+    if (jqrt_live_blocks() != live) fail(e, "call site faults", "a host block was left behind");
   }
 
   // The valid call with each host resize, then each internal allocation,
