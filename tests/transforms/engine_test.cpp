@@ -272,9 +272,11 @@ TEST(FftEngine, ThreadsShareTablesSafely) {
 namespace jq::fft {
 namespace baseline {
 const CodeletSet* find(int radix);
+PrimeBatch prime_batch_kernel();
 }
 namespace avx2 {
 const CodeletSet* find(int radix);
+PrimeBatch prime_batch_kernel();
 }
 }  // namespace jq::fft
 
@@ -331,4 +333,19 @@ TEST(FftEngine, InstructionSetVariantsAgreeBitForBit) {
       EXPECT_EQ(ap, bp) << "interleaved complex twiddle " << r << " m " << m;
     }
   }
+  // The generic prime butterfly, on whole vectors and tails.
+  for (int p : {23, 47})
+    for (int B : {1, 3, 8}) {
+      std::vector<double> cs(p), sn(p);
+      for (int k = 0; k < p; ++k) {
+        cs[k] = std::cos(6.283185307179586 * k / p);
+        sn[k] = std::sin(6.283185307179586 * k / p);
+      }
+      const auto xr = random_values(p * B, p + B), xi = random_values(p * B, p - B);
+      std::vector<double> ar(p * B), ai(p * B), br(p * B), bi(p * B);
+      avx2::prime_batch_kernel()(cs.data(), sn.data(), p, xr.data(), xi.data(), ar.data(), ai.data(), B);
+      baseline::prime_batch_kernel()(cs.data(), sn.data(), p, xr.data(), xi.data(), br.data(), bi.data(), B);
+      EXPECT_EQ(ar, br) << "generic prime " << p << " batch " << B;
+      EXPECT_EQ(ai, bi) << "generic prime " << p << " batch " << B;
+    }
 }
