@@ -211,20 +211,47 @@ void store_half_complex(const PrimeWork& w, int32_t p, int B, int b, double* out
   for (int32_t q = 1; q < (p + 1) / 2; ++q) out[(p - q) * os] = w.yi()[q * B + b];
 }
 
+// Two real sequences run as one complex one, a + ib; the spectra part by
+// A[q] = (Z[q] + conj Z[p-q])/2 and B[q] = (Z[q] - conj Z[p-q])/2i. An odd
+// one out runs alone with a zero imaginary part.
 int32_t hc_prime_leaf(const Level& lv, const double* in, double* out, ptrdiff_t is, ptrdiff_t os, ptrdiff_t idist,
                       ptrdiff_t odist, int count) {
   PrimeWork w(lv);
   if (!w.ok()) return kNoMemory;
   const int32_t p = lv.r;
-  for (int c0 = 0; c0 < count; c0 += w.lanes()) {
-    const int B = std::min(w.lanes(), count - c0);
+  const int paired = count / 2;
+  for (int c0 = 0; c0 < paired; c0 += w.lanes()) {
+    const int B = std::min(w.lanes(), paired - c0);
     for (int32_t j = 0; j < p; ++j)
       for (int b = 0; b < B; ++b) {
-        w.xr()[j * B + b] = in[(c0 + b) * idist + j * is];
-        w.xi()[j * B + b] = 0;
+        w.xr()[j * B + b] = in[2 * (c0 + b) * idist + j * is];
+        w.xi()[j * B + b] = in[(2 * (c0 + b) + 1) * idist + j * is];
       }
     if (int32_t rc = prime_dft(lv, w, B)) return rc;
-    for (int b = 0; b < B; ++b) store_half_complex(w, p, B, b, out + (c0 + b) * odist, os);
+    const double *zr = w.yr(), *zi = w.yi();
+    for (int b = 0; b < B; ++b) {
+      double* a = out + 2 * (c0 + b) * odist;
+      double* c = a + odist;
+      a[0] = zr[b];
+      c[0] = zi[b];
+      for (int32_t q = 1; q <= p / 2; ++q) {
+        const double ur = zr[q * B + b], ui = zi[q * B + b];
+        const double vr = zr[(p - q) * B + b], vi = zi[(p - q) * B + b];
+        a[q * os] = 0.5 * (ur + vr);
+        a[(p - q) * os] = 0.5 * (ui - vi);
+        c[q * os] = 0.5 * (ui + vi);
+        c[(p - q) * os] = 0.5 * (vr - ur);
+      }
+    }
+  }
+  if (count % 2) {
+    const int c = count - 1;
+    for (int32_t j = 0; j < p; ++j) {
+      w.xr()[j] = in[c * idist + j * is];
+      w.xi()[j] = 0;
+    }
+    if (int32_t rc = prime_dft(lv, w, 1)) return rc;
+    store_half_complex(w, p, 1, 0, out + c * odist, os);
   }
   return kOk;
 }
