@@ -242,17 +242,20 @@ inline void leaf_loop(const double* in, double* out, ptrdiff_t is, ptrdiff_t os,
     body(LeafScalar{os}, in, out, is, os);
     return;
   }
+  // A tail of fewer than kW DFTs reruns the last kW as one vector: the
+  // leaves are out of place, so the overlap writes the same values twice.
   int c = 0;
-  if (idist == 1) {
-    const LeafVector<0> a{idist, odist, os};
-    for (; c + kW <= count; c += kW) body(a, in + c, out + c * odist, is, os);
-  } else if (idist == 2 && paired_in && paired_out && os == 2) {
-    const LeafVector<1> a{idist, odist, os};
+  auto run = [&](const auto& a) {
     for (; c + kW <= count; c += kW) body(a, in + c * idist, out + c * odist, is, os);
-  } else {
-    const LeafVector<2> a{idist, odist, os};
-    for (; c + kW <= count; c += kW) body(a, in + c * idist, out + c * odist, is, os);
-  }
+    if (c < count && count >= kW) {
+      c = count - kW;
+      body(a, in + c * idist, out + c * odist, is, os);
+      c = count;
+    }
+  };
+  if (idist == 1) run(LeafVector<0>{idist, odist, os});
+  else if (idist == 2 && paired_in && paired_out && os == 2) run(LeafVector<1>{idist, odist, os});
+  else run(LeafVector<2>{idist, odist, os});
   const LeafScalar a{os};
   for (; c < count; ++c) body(a, in + c * idist, out + c * odist, is, os);
 }
