@@ -205,10 +205,10 @@ int32_t cx_level(const FFTTable* t, int k, const double* ir, const double* ii, d
 
 // ---- real path ---------------------------------------------------------------
 
-// Writes DFT b of the real sequences in w in the half-complex layout.
-void store_half_complex(const PrimeWork& w, int32_t p, int B, int b, double* out, ptrdiff_t os) {
-  for (int32_t q = 0; q <= p / 2; ++q) out[q * os] = w.yr()[q * B + b];
-  for (int32_t q = 1; q < (p + 1) / 2; ++q) out[(p - q) * os] = w.yi()[q * B + b];
+// Writes the DFT of one real sequence (in w.yr/yi) in the half-complex layout.
+void store_half_complex(const PrimeWork& w, int32_t p, double* out, ptrdiff_t os) {
+  for (int32_t q = 0; q <= p / 2; ++q) out[q * os] = w.yr()[q];
+  for (int32_t q = 1; q < (p + 1) / 2; ++q) out[(p - q) * os] = w.yi()[q];
 }
 
 // Two real sequences run as one complex one, a + ib; the spectra part by
@@ -251,7 +251,7 @@ int32_t hc_prime_leaf(const Level& lv, const double* in, double* out, ptrdiff_t 
       w.xi()[j] = 0;
     }
     if (int32_t rc = prime_dft(lv, w, 1)) return rc;
-    store_half_complex(w, p, 1, 0, out + c * odist, os);
+    store_half_complex(w, p, out + c * odist, os);
   }
   return kOk;
 }
@@ -268,7 +268,7 @@ int32_t hc_prime_combine(const Level& lv, double* d, ptrdiff_t s, int32_t m) {
     w.xi()[t] = 0;
   }
   if (int32_t rc = prime_dft(lv, w, 1)) return rc;
-  store_half_complex(w, r, 1, 0, d, ms);
+  store_half_complex(w, r, d, ms);
   // Bins k and m-k of every block give bins k + qm of the whole.
   const int32_t pairs = (m - 1) / 2;
   for (int32_t k0 = 1; k0 <= pairs; k0 += w.lanes()) {

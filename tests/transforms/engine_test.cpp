@@ -207,6 +207,17 @@ TEST(FftEngine, TablesAreSharedAndCountedPerLength) {
   destroy_table(p);
   EXPECT_EQ(sub->references, 1);
   destroy_table(sub);
+
+  // 107: p-1 = 2*53 would nest Rader, so the convolution runs zero-padded
+  // at 216 = 2^3 3^3 (the least such length >= 2*106-1), again shared.
+  FFTTable* q = create_table(107);
+  FFTTable* padded = create_table(216);
+  EXPECT_EQ(q->stages[0]->padded_length, 216);
+  EXPECT_EQ(q->stages[0]->padded, padded);
+  EXPECT_EQ(padded->references, 2);
+  destroy_table(q);
+  EXPECT_EQ(padded->references, 1);
+  destroy_table(padded);
 }
 
 TEST(FftEngine, ExecutorsRejectAnotherLengthWithTheirOwnCodes) {
