@@ -125,6 +125,23 @@ inline void twiddle(const StageRecord* s, int32_t r, int32_t k, int32_t t, doubl
   im = a * sn + im * c;
 }
 
+// From this sub-length up a level gathers its sub-sequences before
+// recursing into them.
+constexpr int32_t kGatherFrom = 1 << 15;
+
+// g[j*m + i] = in[(i*r + j) * is]: the r decimated sub-sequences of a level,
+// one after another, in blocks of rows so that reads and writes stay in cache.
+void gather_decimated(const double* in, ptrdiff_t is, int32_t r, int32_t m, double* g) {
+  constexpr int32_t kRows = 16;
+  for (int32_t i0 = 0; i0 < m; i0 += kRows) {
+    const int32_t i1 = std::min(m, i0 + kRows);
+    for (int32_t j = 0; j < r; ++j) {
+      double* row = g + static_cast<ptrdiff_t>(j) * m;
+      for (int32_t i = i0; i < i1; ++i) row[i] = in[(static_cast<ptrdiff_t>(i) * r + j) * is];
+    }
+  }
+}
+
 // ---- complex path ------------------------------------------------------------
 
 int32_t cx_prime_leaf(const Level& lv, const double* ir, const double* ii, double* or_, double* oi, ptrdiff_t is,
@@ -191,6 +208,15 @@ int32_t cx_level(const FFTTable* t, int k, const double* ir, const double* ii, d
   int32_t rc = kOk;
   if (k == F - 2) {
     rc = cx_leaf(t, F - 1, ir, ii, or_, oi, r * is, os, is, m * os, r);
+  } else if (L >= kGatherFrom) {
+    double* gr = static_cast<double*>(std::malloc(2 * sizeof(double) * static_cast<size_t>(L)));
+    if (!gr) return kNoMemory;
+    double* gi = gr + L;
+    gather_decimated(ir, is, r, m, gr);
+    gather_decimated(ii, is, r, m, gi);
+    for (int32_t j = 0; j < r && rc == kOk; ++j)
+      rc = cx_level(t, k + 1, gr + j * m, gi + j * m, or_ + j * m * os, oi + j * m * os, 1, os, m);
+    std::free(gr);
   } else {
     for (int32_t j = 0; j < r && rc == kOk; ++j)
       rc = cx_level(t, k + 1, ir + j * is, ii + j * is, or_ + j * m * os, oi + j * m * os, r * is, os, m);
@@ -330,6 +356,15 @@ int32_t hc_level(const FFTTable* t, int k, const double* in, double* out, ptrdif
   int32_t rc = kOk;
   if (k == F - 2) {
     rc = hc_leaf(t, F - 1, in, out, r * is, os, is, m * os, r);
+  } else if (L >= kGatherFrom) {
+    // Sub-sequence j, read in place, would use one value of every cache
+    // line it touches; gathering all r of them in one sweep reads each line
+    // once and leaves every sub-sequence contiguous.
+    double* g = static_cast<double*>(std::malloc(sizeof(double) * static_cast<size_t>(L)));
+    if (!g) return kNoMemory;
+    gather_decimated(in, is, r, m, g);
+    for (int32_t j = 0; j < r && rc == kOk; ++j) rc = hc_level(t, k + 1, g + j * m, out + j * m * os, 1, os, m);
+    std::free(g);
   } else {
     for (int32_t j = 0; j < r && rc == kOk; ++j)
       rc = hc_level(t, k + 1, in + j * is, out + j * m * os, r * is, os, m);

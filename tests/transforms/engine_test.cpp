@@ -230,7 +230,7 @@ TEST(FftEngine, ExecutorsRejectAnotherLengthWithTheirOwnCodes) {
 }
 
 TEST(FftEngine, StridedInterleavedDataMatchesSplitData) {
-  for (int32_t n : {12, 30, 46, 53, 64, 97, 210, 1000, 1024, 4096}) {
+  for (int32_t n : {12, 30, 46, 53, 64, 97, 210, 1000, 1024, 4096, 100000}) {
     Table tab(n);
     const auto xr = random_values(n, 5), xi = random_values(n, 6);
     std::vector<double> inter(2 * n), out(2 * n), yr(n), yi(n), h(2 * n);
