@@ -69,10 +69,13 @@ typedef struct JQErrorCluster {
 #include "jqanlys/waveforms.h"
 #include "jqanlys/windows.h"
 #include "jqanlys/dct.h"
+#include "jqanlys/linalg.h"
 #include "jqanlys/iir.h"
 #include "jqanlys/measure.h"
 #include "jqanlys/fir.h"
 #include "jqanlys/sigops.h"
 #include "jqanlys/integration.h"
+#include "jqanlys/fitting.h"
+#include "jqanlys/geometry.h"
 
 #endif

@@ -46,12 +46,19 @@ JQRT_API void* jqrt_data(uint8_t** handle, int32_t typeCode, int32_t numDims);
 /* Calls every registered clean-up procedure, as the host does when a
  * calling context goes away, and forgets them. Returns how many ran. */
 JQRT_API int32_t jqrt_dispose_context(void);
+/* Calls and forgets the clean-up procedures registered for one instance,
+ * as the host does when a single call site goes away. Returns how many ran. */
+JQRT_API int32_t jqrt_dispose_instance(void* instance);
 /* Number of clean-up procedures currently registered. */
 JQRT_API int32_t jqrt_cleanup_count(void);
 
 /* Makes the nth NumericArrayResize call from now fail (1 = the next one);
  * 0 disables injection. Later calls succeed again. */
 JQRT_API void jqrt_fail_resize(int32_t nth);
+/* Makes NumericArrayResize fail, as a host out of memory does, for any block
+ * larger than this many bytes; 0 lifts the limit. Lets a program pass huge
+ * counts without the host actually allocating gigabytes. */
+JQRT_API void jqrt_limit_block(size_t bytes);
 /* Number of NumericArrayResize calls so far. */
 JQRT_API int64_t jqrt_resize_calls(void);
 /* Number of blocks the runtime currently holds (handles not freed). */

@@ -22,6 +22,7 @@ std::set<uint8_t**>* g_handles = new std::set<uint8_t**>;  // never freed: outli
 std::vector<std::pair<int32_t (*)(void*), void*>>* g_cleanups = new std::vector<std::pair<int32_t (*)(void*), void*>>;
 std::atomic<int64_t> g_resize_calls{0};
 std::atomic<int64_t> g_fail_at{0};
+std::atomic<size_t> g_block_limit{0};
 
 int32_t offset_of(int32_t type, int32_t dims) {
   switch (type) {
@@ -48,6 +49,8 @@ bool reallocate(uint8_t** h, int32_t type, int32_t dims, size_t count) {
   const size_t elem = size_of(type);
   if (count > (SIZE_MAX - header) / elem) return false;
   const size_t bytes = header + count * elem;
+  const size_t limit = g_block_limit.load();
+  if (limit != 0 && bytes > limit) return false;
   uint8_t* old = *h;
   size_t old_bytes = 0;
   if (old) {
@@ -149,12 +152,32 @@ int32_t jqrt_dispose_context(void) {
   return static_cast<int32_t>(run.size());
 }
 
+int32_t jqrt_dispose_instance(void* instance) {
+  std::vector<std::pair<int32_t (*)(void*), void*>> run;
+  {
+    std::lock_guard<std::mutex> lock(g_lock);
+    auto& v = *g_cleanups;
+    for (auto it = v.begin(); it != v.end();) {
+      if (it->second == instance) {
+        run.push_back(*it);
+        it = v.erase(it);
+      } else {
+        ++it;
+      }
+    }
+  }
+  for (auto& c : run) c.first(c.second);
+  return static_cast<int32_t>(run.size());
+}
+
 int32_t jqrt_cleanup_count(void) {
   std::lock_guard<std::mutex> lock(g_lock);
   return static_cast<int32_t>(g_cleanups->size());
 }
 
 void jqrt_fail_resize(int32_t nth) { g_fail_at.store(nth > 0 ? g_resize_calls.load() + nth : 0); }
+
+void jqrt_limit_block(size_t bytes) { g_block_limit.store(bytes); }
 
 int64_t jqrt_resize_calls(void) { return g_resize_calls.load(); }
 

@@ -17,13 +17,18 @@ constexpr int32_t kMaxFactor = 0x800000;
 template <class T> T value_of(const T* p, T fallback) { return p ? *p : fallback; }
 double value_of(const double* p) { return value_of(p, std::numeric_limits<double>::quiet_NaN()); }
 
-// The running median in place; a failure empties the signal.
-int32_t median_in_place(JQHandle x, int32_t left, int32_t right) {
+// A float64 signal filtered in place by run(data, n), the code as the
+// result; an empty signal or a failure leaves it empty.
+template <class Run> int32_t in_place(JQHandle x, Run run) {
   Array1<double> s(x);
   Out<double> o(x);
   Outputs outs(o);
   if (s.empty()) return outs.fail(kEmptyInput);
-  return outs.finish(fir::running_median(s.data(), s.size(), left, right < 0 ? left : right));
+  return outs.finish(run(s.data(), s.size()));
+}
+
+int32_t median_in_place(JQHandle x, int32_t left, int32_t right) {
+  return in_place(x, [&](double* p, int32_t n) { return fir::running_median(p, n, left, right < 0 ? left : right); });
 }
 
 // The point-by-point multirate filter. Mode 0 filters, 1 decimates, 2
@@ -148,7 +153,7 @@ JQ_EXPORT int32_t Parks(int32_t* taps, double* fs, JQHandle bands, int32_t* type
   if (error) *error = kOk;
   const double rate = value_of(fs);
   bool infinite = std::isinf(rate);
-  for (int32_t i = 0; i < nb * 4; ++i) infinite = infinite || std::isinf(b.data()[i]);
+  for (int64_t i = 0; i < int64_t{nb} * 4; ++i) infinite = infinite || std::isinf(b.data()[i]);
   auto fail = [&](int32_t code) {
     if (deviation) *deviation = std::numeric_limits<double>::quiet_NaN();
     return outs.report(code, error);
@@ -210,13 +215,5 @@ JQ_EXPORT int32_t SavitzkyGolayCoefH(int32_t side_points, int32_t order, JQHandl
 }
 
 JQ_EXPORT int32_t SavitzkyGolayFiltH(JQHandle x, int32_t side_points, int32_t order) {
-  Array1<double> s(x);
-  Out<double> o(x);
-  Outputs outs(o);
-  if (s.empty()) return outs.fail(kEmptyInput);
-  // The smoothing reads the original samples while the output is written.
-  Scratch<double> copy;
-  if (copy.allocate(s.size()) != kOk) return outs.fail(kNoMemory);
-  std::copy(s.data(), s.data() + s.size(), copy.data());
-  return outs.finish(fir::savgol_filter(copy.data(), s.size(), side_points, order, s.data()));
+  return in_place(x, [&](double* p, int32_t n) { return fir::savgol_filter(p, n, side_points, order, p); });
 }

@@ -62,15 +62,36 @@ template <class T> void empty_array(JQHandle h) {
   outs.fail(kOk);
 }
 
+// After a failed call, empties each array (of the matching element type).
+template <class... T, class... H> void empty_on_failure(int32_t code, H... arrays) {
+  static_assert(sizeof...(T) == sizeof...(H));
+  if (code < 0) (empty_array<T>(arrays), ...);
+}
+
+// How a filter call ended: its code and, after a failed resize, the host's status.
+struct Status {
+  int32_t code = kOk;
+  int32_t host = 0;
+};
+
+// Resizes an array of the caller. A null handle cannot carry a new block
+// back to the caller, so it is refused without asking the host.
+template <class T> Status resize_array(Out<T>& o, int64_t n) {
+  if (!o.handle()) return {kNoMemory, 0};
+  if (int32_t h = host_resize(Out<T>::type_code, 1, o.slot(), static_cast<int32_t>(n), 0)) return {kNoMemory, h};
+  return {};
+}
+
 // A state array of the caller: sized to fit, zeroed when fresh or asked to.
 template <class T> class State {
  public:
   explicit State(JQHandle h) : out_(h) {}
-  // Host status of the resize (0 when the length already fits).
-  int32_t fit(int64_t n) {
-    if (count(out_.handle()) == n) return 0;
+  Status fit(int64_t n) {
+    if (count(out_.handle()) == n) return {};
     fresh_ = true;
-    return host_resize(Out<T>::type_code, 1, out_.slot(), static_cast<int32_t>(n), 0);
+    // Two histories joined can outgrow a host count: refused as a resize would be.
+    if (n > INT32_MAX) return {kNoMemory, 0};
+    return resize_array(out_, n);
   }
   bool fresh() const { return fresh_; }
   void zero(int64_t n) { std::fill(data(), data() + n, T{}); }
@@ -82,21 +103,15 @@ template <class T> class State {
   bool fresh_ = false;
 };
 
-// How a filter call ended: its code and, after a failed resize, the host's status.
-struct Status {
-  int32_t code = kOk;
-  int32_t host = 0;
-};
-
 // Fits the states in order; the first that cannot be resized is emptied. All
 // start from zeros when one was resized or when reset is asked for.
 template <class... S> Status fit_states(bool reset, std::pair<S*, int64_t>... s) {
   Status st;
   auto fit = [&](auto* state, int64_t n) {
     if (st.code) return;
-    if (int32_t h = state->fit(n)) {
+    if (const Status r = state->fit(n); r.code) {
       state->empty();
-      st = {kNoMemory, h};
+      st = r;
     }
   };
   (fit(s.first, s.second), ...);
@@ -131,7 +146,7 @@ Status direct_two(JQHandle x, JQHandle y, JQHandle a, JQHandle b, JQHandle fstat
   Y* out = reinterpret_cast<Y*>(xs.data());
   if constexpr (!std::is_same_v<X, Y>) {
     Out<Y> yo(y);
-    if (int32_t h = host_resize(Out<Y>::type_code, 1, yo.slot(), static_cast<int32_t>(n), 0)) return {kNoMemory, h};
+    if (const Status r = resize_array(yo, n); r.code) return r;
     out = yo.data();
   }
   return {direct_form<X, C, Y>(xs.data(), out, n, as.data(), na, bs.data(), nb, f.data(), na > 0 ? r.data() : nullptr)};
@@ -190,7 +205,7 @@ template <class T> Status cascade_block(T* x, int64_t n, int32_t topology, JQHan
 // the result is the host's status after a failed resize.
 template <class T> int32_t report_error(const Status& st, JQHandle signal, int32_t* error) {
   if (error) *error = st.code;
-  if (st.code < 0) empty_array<T>(signal);
+  empty_on_failure<T>(st.code, signal);
   return st.code == kNoMemory ? st.host : 0;
 }
 
@@ -206,10 +221,7 @@ template <class T> int32_t filter2(JQHandle x, const int32_t* topology, JQHandle
 template <class T> int32_t filter_one_state(JQHandle x, JQHandle a, JQHandle b, JQHandle state, uint8_t flag) {
   const int64_t n = count(x);
   const Status st = n < 1 ? Status{kEmptyInput} : direct_one(Array1<T>(x).data(), n, a, b, state, flag != 1, false);
-  if (st.code < 0) {
-    empty_array<T>(x);
-    State<T>(state).empty();
-  }
+  empty_on_failure<T, T>(st.code, x, state);
   return st.code;
 }
 
@@ -229,10 +241,8 @@ template <class T> int32_t point_by_point(T* sample, int32_t structure, JQHandle
     st = direct_one(sample, 1, a, b, state, reset, structure == 3);
   else
     st = {kBadSelector};
-  if (st.code < 0) {
-    State<T>(state).empty();
-    *sample = T{};
-  }
+  empty_on_failure<T>(st.code, state);
+  if (st.code < 0) *sample = T{};
   return st.code;
 }
 
@@ -240,10 +250,8 @@ template <class T> int32_t point_by_point(T* sample, int32_t structure, JQHandle
 // (or output) emptied on failure.
 template <class X> int32_t complex_coefficients(JQHandle x, JQHandle y, JQHandle a, JQHandle b, JQHandle fstate, JQHandle rstate, uint8_t flag) {
   const Status st = direct_two<X, cdouble, cdouble>(x, y, a, b, fstate, rstate, flag != 1);
-  if (st.code < 0) {
-    empty_array<X>(x);
-    if (y != x) empty_array<cdouble>(y);
-  }
+  // With complex data x is also the output; emptying it twice is harmless.
+  empty_on_failure<X, cdouble>(st.code, x, y);
   return st.code;
 }
 
@@ -251,7 +259,7 @@ template <class X> int32_t complex_coefficients(JQHandle x, JQHandle y, JQHandle
 template <class Run> int32_t zero_phase_export(JQHandle x, Run run) {
   const int64_t n = count(x);
   const Status st = n < 1 ? Status{kEmptyInput} : run(Array1<double>(x).data(), n);
-  if (st.code < 0) empty_array<double>(x);
+  empty_on_failure<double>(st.code, x);
   return st.code;
 }
 

@@ -9,6 +9,9 @@
 
 namespace jq::fir {
 
+inline constexpr double kPi = 3.141592653589793;
+inline constexpr double kTwoPi = 6.283185307179586;
+
 // Selective types of the ideal-response design.
 enum FilterType : int32_t { kLowpass = 0, kHighpass = 1, kBandpass = 2, kBandstop = 3 };
 
@@ -49,7 +52,7 @@ int32_t narrow_filter(double* x, int32_t n, int parts, const Narrow& d);
 int32_t savgol_check(int32_t m, int32_t p);
 // The weights that give the smoothed centre point (2m+1 values).
 int32_t savgol_coefficients(int32_t m, int32_t p, double* c);
-// Smooths n samples into y (y may not alias x); the first and last m points
+// Smooths n samples into y (y may be x itself); the first and last m points
 // come from the polynomial fitted to the first and last window.
 int32_t savgol_filter(const double* x, int32_t n, int32_t m, int32_t p, double* y);
 

@@ -7,11 +7,6 @@
 
 namespace jq::fir {
 
-namespace {
-constexpr double kPi = 3.141592653589793;
-constexpr double kTwoPi = 6.283185307179586;
-}  // namespace
-
 int32_t ideal_coefficients(double fs, double fl, double fh, int32_t n, int32_t type, double* h) {
   if (n < 1) return kBadOrder;
   // Lowpass and highpass have no upper cut-off: a point halfway between the

@@ -217,7 +217,7 @@ int32_t multirate(const S* x, int64_t n, const double* h, int32_t k, int32_t up,
     const int64_t phases = std::min<int64_t>(up, k);
     Scratch<double> table;
     Scratch<int64_t> start;
-    if (table.allocate(static_cast<size_t>(k * parts)) != kOk || start.allocate(static_cast<size_t>(phases + 1)) != kOk)
+    if (table.allocate(static_cast<size_t>(k) * parts) != kOk || start.allocate(static_cast<size_t>(phases + 1)) != kOk)
       return kNoMemory;
     start[0] = 0;
     for (int64_t p = 0; p < phases; ++p) {

@@ -7,7 +7,6 @@
 // there, so that the index arithmetic can be checked against it line by line.
 #include <algorithm>
 #include <cmath>
-#include <vector>
 
 #include "filters/fir.hpp"
 #include "frame/errors.hpp"
@@ -17,8 +16,6 @@ namespace jq::fir {
 
 namespace {
 
-constexpr double kPi = 3.141592653589793;
-constexpr double kTwoPi = 6.283185307179586;
 constexpr int32_t kGridDensity = 16;
 constexpr int32_t kDefaultIterations = 100;
 constexpr int32_t kMaxFunctions = 2047;  // r + 2 may not exceed it

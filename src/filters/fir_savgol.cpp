@@ -84,6 +84,13 @@ int32_t savgol_filter(const double* x, int32_t len, int32_t m, int32_t p, double
   if (int32_t code = savgol_check(m, p)) return code;
   const int64_t n = 2 * int64_t{m} + 1;
   if (len < n) return kSizeMismatch;
+  // In place, the smoothing still reads the original samples.
+  Scratch<double> original;
+  if (x == y) {
+    if (original.allocate(static_cast<size_t>(len)) != kOk) return kNoMemory;
+    std::copy(x, x + len, original.data());
+    x = original.data();
+  }
   Scratch<double> c;
   if (c.allocate(static_cast<size_t>(n)) != kOk) return kNoMemory;
   std::fill(c.data(), c.data() + n, 0.0);

@@ -309,16 +309,16 @@ int64_t polynomial_order(const double* p, int64_t n) {
 }
 
 // The shared zero-phase frame: pad, run forward, reverse, run again, read the
-// middle backward.
+// middle backward. A pass that fails (its scratch memory) fails the call.
 template <class Run> int32_t zero_phase(double* x, int64_t n, int64_t pad, Run run) {
   Scratch<double> buf;
   const size_t len = static_cast<size_t>(n + 2 * pad);
   if (int32_t rc = buf.allocate(len)) return rc;
   std::fill(buf.data(), buf.data() + len, 0.0);
   std::copy(x, x + n, buf.data() + pad);
-  run(buf.data(), static_cast<int64_t>(len), 0);
+  if (int32_t rc = run(buf.data(), static_cast<int64_t>(len), 0)) return rc;
   std::reverse(buf.data(), buf.data() + len);
-  run(buf.data(), static_cast<int64_t>(len), 1);
+  if (int32_t rc = run(buf.data(), static_cast<int64_t>(len), 1)) return rc;
   for (int64_t i = 0; i < n; ++i) x[i] = buf[static_cast<size_t>(pad + n - 1 - i)];
   return kOk;
 }
@@ -340,13 +340,14 @@ int32_t zero_phase_cascade(double* x, int64_t n, int32_t m, int64_t ns, const do
                            double* state1, double* state2) {
   return zero_phase(x, n, cascade_transient(m, ns, a, b), [&](double* p, int64_t len, int pass) {
     cascade(p, len, m, ns, a, b, pass == 0 ? state1 : state2);
+    return int32_t{kOk};
   });
 }
 
 int32_t zero_phase_direct(double* x, int64_t n, const double* a, int64_t na, const double* b, int64_t nb,
                           double* fstate1, double* rstate1, double* fstate2, double* rstate2) {
   return zero_phase(x, n, direct_transient(a, na, b, nb), [&](double* p, int64_t len, int pass) {
-    direct_form(p, p, len, a, na, b, nb, pass == 0 ? fstate1 : fstate2, pass == 0 ? rstate1 : rstate2);
+    return direct_form(p, p, len, a, na, b, nb, pass == 0 ? fstate1 : fstate2, pass == 0 ? rstate1 : rstate2);
   });
 }
 

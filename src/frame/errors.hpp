@@ -50,6 +50,15 @@ enum Code : int32_t {
   kNonPositiveDuty = -20011,    // a square pattern's duty cycle is zero or negative
   kNonFinitePhase = -20068,     // a wave's phase or frequency is NaN or infinite
 
+  // Linear algebra.
+  kIncompatibleDims = -20039,   // inner dimensions of a product or the rows of right-hand sides differ
+  kNoConvergence = -20062,      // the SVD did not converge
+  kNonFiniteMatrix = -20068,    // NaN, an infinity or the largest magnitude in a matrix or vector
+  kNotPosDef = -20071,          // the matrix is not positive definite
+  kZeroNormOrder = -20141,      // p = 0 in a vector norm
+  kWarnRankDeficient = 20001,   // warning: least-squares solution of a rank-deficient system
+  kWarnSingularLU = 20003,      // warning: an exactly zero pivot in an LU factor
+
   // Filters: IIR and FIR design and filtering.
   kCutoffAboveNyquist = -20020,      // a cut-off or band edge above half the sampling rate
   kBadCutoff = -20023,               // fs, a cut-off, band edge, weight or desired value bad, or edges out of order
@@ -68,6 +77,14 @@ enum Code : int32_t {
 
   // FIR design.
   kDesignFailed = -20031,       // too few taps, non-finite input, inconsistent bands, no convergence
+
+  // Curve fitting.
+  kFewerPointsThanCoefs = -20037,  // fewer points than free coefficients
+  kBadDegreesOfFreedom = -20052,   // degrees of freedom at or above the point count, or below 1
+  kNegativeOrder = -20103,         // a polynomial order below 0
+  kRobustFailed = -20116,          // too many points weighted to zero, or a non-finite MSE
+  kAllButOneWeightZero = -20141,   // exactly n - 1 zero weights in a straight-line fit
+  kWarnHighOrder = 20031,          // warning: constrained polynomial of order above 25
 };
 
 }  // namespace jq

@@ -1,7 +1,5 @@
 #include "frame/instance.hpp"
 
-#include <cstring>
-
 #include "frame/errors.hpp"
 #include "frame/host.hpp"
 #include "frame/scratch.hpp"
@@ -20,11 +18,10 @@ int32_t cleanup_measurement(void* instance) {
 
 int32_t acquire(void** slot, MeasurementInstance** out, bool register_cleanup) {
   if (!*slot) {
-    void* block = nullptr;
-    if (scratch_alloc(&block, sizeof(MeasurementInstance)) != kOk) return kNoMemory;
-    std::memset(block, 0, sizeof(MeasurementInstance));
-    *slot = block;
-    if (register_cleanup) host::set_cleanup_proc(cleanup_measurement, block, host::kRegister);
+    auto* m = scratch_zeroed<MeasurementInstance>(1);
+    if (!m) return kNoMemory;
+    *slot = m;
+    if (register_cleanup) host::set_cleanup_proc(cleanup_measurement, m, host::kRegister);
   }
   *out = static_cast<MeasurementInstance*>(*slot);
   return kOk;

@@ -19,6 +19,9 @@ int32_t host_resize(int32_t type_code, int32_t dims, Handle* h, int32_t rows, in
 }
 
 bool Outputs::resize(int32_t type, int32_t dims, Handle* h, int32_t rows, int32_t cols) {
+  // The host passed the handle by value: a block made for a null handle
+  // would reach nobody and never be freed, so there is no memory to be had.
+  if (!*h) return false;
   int32_t status = host_resize(type, dims, h, rows, cols);
   if (status != 0) host_status_ = status;
   return status == 0;
@@ -27,6 +30,9 @@ bool Outputs::resize(int32_t type, int32_t dims, Handle* h, int32_t rows, int32_
 int32_t Outputs::fail(int32_t code) {
   for (int i = 0; i < count_; ++i) {
     const Entry& e = entries_[i];
+    // A null handle has nothing to empty; resizing it would make a block
+    // that nobody could see or free.
+    if (!*e.handle) continue;
     int32_t status = host_resize(e.type, e.dims, e.handle, 0, 0);
     // A host that cannot even shrink leaves the block as it was; the sizes
     // still read as empty so that nothing stale is taken for a result.

@@ -52,7 +52,8 @@ class Outputs {
   Outputs(const Outputs&) = delete;
   Outputs& operator=(const Outputs&) = delete;
 
-  // Resizes a 1-D output to n elements. False (and kNoMemory) on failure.
+  // Resizes a 1-D output to n elements. False (and kNoMemory) on failure,
+  // which includes a null handle.
   template <class T> bool size(Out<T, 1>& o, int32_t n) { return resize(o.type_code, 1, o.slot(), n, 0); }
   // Resizes a 2-D output to rows x cols elements.
   template <class T> bool size(Out<T, 2>& o, int32_t rows, int32_t cols) {

@@ -37,6 +37,41 @@ void fatal(const char* text) {
   ExitProcess(1);
 }
 
+bool own_directory(char* dir, size_t capacity) {
+  HMODULE self = nullptr;
+  if (!GetModuleHandleExA(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
+                          reinterpret_cast<LPCSTR>(&own_directory), &self))
+    return false;
+  char file[512];
+  const DWORD n = GetModuleFileNameA(self, file, 511);
+  if (n == 0 || n >= 511) return false;
+  file[n] = 0;
+  char drive[16], directory[400];
+  if (_splitpath_s(file, drive, sizeof drive, directory, sizeof directory, nullptr, 0, nullptr, 0) != 0) return false;
+  return std::snprintf(dir, capacity, "%s%s", drive, directory) < static_cast<int>(capacity);
+}
+
+Module load_path(const char* path) { return LoadLibraryExA(path, nullptr, LOAD_WITH_ALTERED_SEARCH_PATH); }
+void unload(Module m) {
+  if (m) FreeLibrary(static_cast<HMODULE>(m));
+}
+
+bool installer_directory(char* dir, size_t capacity) {
+  HKEY key;
+  if (RegOpenKeyExA(HKEY_LOCAL_MACHINE, "SOFTWARE\\Brasswick\\Common\\Installer", 0, KEY_READ, &key) != ERROR_SUCCESS)
+    return false;
+  char value[500];
+  DWORD bytes = sizeof value - 1;
+  DWORD type = 0;
+  const LONG rc = RegQueryValueExA(key, "KWSHAREDDIR64", nullptr, &type, reinterpret_cast<BYTE*>(value), &bytes);
+  RegCloseKey(key);
+  if (rc != ERROR_SUCCESS) return false;
+  value[bytes < sizeof value ? bytes : sizeof value - 1] = 0;
+  return std::snprintf(dir, capacity, "%s", value) < static_cast<int>(capacity);
+}
+
+const char* const kBlasModuleFile = "JQ170000_BLASLAPACK.dll";
+
 bool mutex_create(Mutex& m) {
   m.impl = CreateMutexA(nullptr, FALSE, nullptr);
   return m.impl != nullptr;
@@ -65,6 +100,27 @@ void fatal(const char* text) {
   std::fflush(stderr);
   std::_Exit(1);
 }
+
+bool own_directory(char* dir, size_t capacity) {
+  Dl_info info;
+  if (!dladdr(reinterpret_cast<void*>(&own_directory), &info) || !info.dli_fname) return false;
+  const char* slash = std::strrchr(info.dli_fname, '/');
+  if (!slash) return std::snprintf(dir, capacity, "./") < static_cast<int>(capacity);
+  const int n = static_cast<int>(slash - info.dli_fname) + 1;
+  return std::snprintf(dir, capacity, "%.*s", n, info.dli_fname) < static_cast<int>(capacity);
+}
+
+Module load_path(const char* path) { return dlopen(path, RTLD_NOW | RTLD_LOCAL); }
+void unload(Module m) {
+  if (m) dlclose(m);
+}
+
+bool installer_directory(char* dir, size_t capacity) {
+  const char* v = std::getenv("KWSHAREDDIR64");
+  return v && std::snprintf(dir, capacity, "%s", v) < static_cast<int>(capacity);
+}
+
+const char* const kBlasModuleFile = "libJQ170000_BLASLAPACK.so";
 
 bool mutex_create(Mutex& m) {
   auto* mu = static_cast<pthread_mutex_t*>(std::malloc(sizeof(pthread_mutex_t)));

@@ -13,9 +13,27 @@ namespace jq {
 int32_t scratch_alloc(void** p, size_t bytes);
 int32_t scratch_free(void* p);
 
-// Test hook: makes the nth scratch allocation from now fail, as an exhausted
+// Counts one allocation made elsewhere (the linear-algebra module's aligned
+// blocks) and tells whether the test hook below wants it to fail.
+bool scratch_injected_failure();
+
+// Zero-filled, like calloc; counted and failed like scratch_alloc. Tables
+// and instance blocks come from here, so that every internal allocation can
+// be made to fail.
+int32_t scratch_zeroed(void** p, size_t count, size_t size);
+template <class T> T* scratch_zeroed(size_t count) {
+  void* v = nullptr;
+  return scratch_zeroed(&v, count ? count : 1, sizeof(T)) == kOk ? static_cast<T*>(v) : nullptr;
+}
+
+// Test hooks: makes the nth scratch allocation from now fail, as an exhausted
 // heap would (1 = the next one); 0 disables. Later allocations succeed again.
 void fail_scratch_allocation(int64_t nth);
+// Allocations made so far.
+int64_t scratch_allocations();
+// Allocations above this many bytes fail as if the heap were exhausted; 0
+// lifts the limit. Lets tests pass huge counts without huge allocations.
+void limit_scratch_bytes(size_t bytes);
 
 // An owned scratch array of T, released on scope exit.
 template <class T> class Scratch {

@@ -99,7 +99,9 @@ void poisson_noise(double* out, int32_t n, double mean, RandomState& st) {
     }
     return;
   }
-  const double sq = std::sqrt(2.0 * mean);
+  // 2 * mean overflows for the largest means; an infinite sq would make
+  // every candidate infinite and the candidate loop endless.
+  const double sq = std::isfinite(2.0 * mean) ? std::sqrt(2.0 * mean) : std::sqrt(2.0) * std::sqrt(mean);
   const double ln_mean = std::log(mean);
   const double g = mean * ln_mean - special::ln_gamma(mean + 1.0);
   for (int32_t i = 0; i < n; ++i) {

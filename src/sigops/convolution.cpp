@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <type_traits>
 
 #include "frame/errors.hpp"
 #include "frame/scratch.hpp"
@@ -243,22 +244,26 @@ int32_t normalise(double* out, int32_t n, int32_t m, int32_t normalisation) {
   }
 }
 
+// The full convolution of real or complex sequences by the chosen method.
+template <class T> int32_t convolve_by(const T* x, int32_t n, const T* y, int32_t m, T* out, int32_t method) {
+  if (method == kDirect) {
+    direct_convolve(x, n, y, m, out);
+    return kOk;
+  }
+  if (method != kFrequency) return kOk;
+  if constexpr (std::is_same_v<T, double>)
+    return real_product(x, n, y, m, out, false);
+  else
+    return complex_product(x, n, y, m, out, false);
+}
+
 }  // namespace
 
 int32_t convolve(const double* x, int32_t n, const double* y, int32_t m, double* out, int32_t method) {
-  if (method == kDirect) {
-    direct_convolve(x, n, y, m, out);
-    return kOk;
-  }
-  return method == kFrequency ? real_product(x, n, y, m, out, false) : kOk;
+  return convolve_by(x, n, y, m, out, method);
 }
-
 int32_t convolve(const cdouble* x, int32_t n, const cdouble* y, int32_t m, cdouble* out, int32_t method) {
-  if (method == kDirect) {
-    direct_convolve(x, n, y, m, out);
-    return kOk;
-  }
-  return method == kFrequency ? complex_product(x, n, y, m, out, false) : kOk;
+  return convolve_by(x, n, y, m, out, method);
 }
 
 int32_t correlate(const double* x, int32_t n, const double* y, int32_t m, double* out, int32_t method,

@@ -10,6 +10,7 @@
 #include <cstring>
 
 #include "frame/errors.hpp"
+#include "frame/scratch.hpp"
 #include "transforms/codelets.hpp"
 #include "transforms/fft.hpp"
 
@@ -36,7 +37,7 @@ class PrimeWork {
     } else {
       const int32_t M = lv.stage->padded_length;
       const size_t conv = static_cast<size_t>(M ? M : lv.r - 1);
-      heap_ = static_cast<double*>(std::malloc(sizeof(double) * (4 * static_cast<size_t>(p_) + 4 * conv)));
+      heap_ = scratch_zeroed<double>(4 * static_cast<size_t>(p_) + 4 * conv);
       base_ = heap_;
     }
   }
@@ -209,14 +210,13 @@ int32_t cx_level(const FFTTable* t, int k, const double* ir, const double* ii, d
   if (k == F - 2) {
     rc = cx_leaf(t, F - 1, ir, ii, or_, oi, r * is, os, is, m * os, r);
   } else if (L >= kGatherFrom) {
-    double* gr = static_cast<double*>(std::malloc(2 * sizeof(double) * static_cast<size_t>(L)));
-    if (!gr) return kNoMemory;
-    double* gi = gr + L;
+    Scratch<double> g;
+    if (g.allocate(2 * static_cast<size_t>(L)) != kOk) return kNoMemory;
+    double *gr = g.data(), *gi = gr + L;
     gather_decimated(ir, is, r, m, gr);
     gather_decimated(ii, is, r, m, gi);
     for (int32_t j = 0; j < r && rc == kOk; ++j)
       rc = cx_level(t, k + 1, gr + j * m, gi + j * m, or_ + j * m * os, oi + j * m * os, 1, os, m);
-    std::free(gr);
   } else {
     for (int32_t j = 0; j < r && rc == kOk; ++j)
       rc = cx_level(t, k + 1, ir + j * is, ii + j * is, or_ + j * m * os, oi + j * m * os, r * is, os, m);
@@ -360,11 +360,11 @@ int32_t hc_level(const FFTTable* t, int k, const double* in, double* out, ptrdif
     // Sub-sequence j, read in place, would use one value of every cache
     // line it touches; gathering all r of them in one sweep reads each line
     // once and leaves every sub-sequence contiguous.
-    double* g = static_cast<double*>(std::malloc(sizeof(double) * static_cast<size_t>(L)));
-    if (!g) return kNoMemory;
-    gather_decimated(in, is, r, m, g);
-    for (int32_t j = 0; j < r && rc == kOk; ++j) rc = hc_level(t, k + 1, g + j * m, out + j * m * os, 1, os, m);
-    std::free(g);
+    Scratch<double> g;
+    if (g.allocate(static_cast<size_t>(L)) != kOk) return kNoMemory;
+    gather_decimated(in, is, r, m, g.data());
+    for (int32_t j = 0; j < r && rc == kOk; ++j)
+      rc = hc_level(t, k + 1, g.data() + j * m, out + j * m * os, 1, os, m);
   } else {
     for (int32_t j = 0; j < r && rc == kOk; ++j)
       rc = hc_level(t, k + 1, in + j * is, out + j * m * os, r * is, os, m);
@@ -398,7 +398,7 @@ int32_t ExecuteInverseRealFFT(const FFTTable* t, const double* in, double* out, 
     out[0] = in[0];
     return kOk;
   }
-  auto* h = static_cast<double*>(std::malloc(sizeof(double) * static_cast<size_t>(n)));
+  auto* h = scratch_zeroed<double>(static_cast<size_t>(n));
   if (!h) return kNoMemory;
   h[0] = in[0];
   for (int32_t k = 1; k < n - k; ++k) {

@@ -5,6 +5,7 @@
 
 #include "frame/errors.hpp"
 #include "frame/host.hpp"
+#include "frame/scratch.hpp"
 #include "transforms/fft.hpp"
 
 namespace jq::fft {
@@ -20,7 +21,7 @@ int32_t cleanup_holder(void* holder) {
 // The common steps; `registered` says whether the host knows the holder.
 int32_t acquire(TransformTableHolder** field, uint32_t n, bool registered) {
   if (!*field) {
-    auto* h = static_cast<TransformTableHolder*>(std::malloc(sizeof(TransformTableHolder)));
+    auto* h = scratch_zeroed<TransformTableHolder>(1);
     if (!h) return kNoMemory;
     h->table = nullptr;
     *field = h;
@@ -50,7 +51,7 @@ int32_t AcquireTransformTableIDP(TransformTableHolder** field, uint32_t n) { ret
 
 int32_t AcquireTransformInstance(void** slot, TransformInstance** out) {
   if (!*slot) {
-    *slot = std::calloc(1, sizeof(TransformInstance));
+    *slot = scratch_zeroed<TransformInstance>(1);
     if (!*slot) return kNoMemory;
   }
   *out = static_cast<TransformInstance*>(*slot);

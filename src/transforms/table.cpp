@@ -5,6 +5,7 @@
 
 #include "frame/errors.hpp"
 #include "frame/platform.hpp"
+#include "frame/scratch.hpp"
 #include "transforms/codelets.hpp"
 #include "transforms/fft.hpp"
 
@@ -18,7 +19,7 @@ platform::Mutex g_lock;
 FFTTable* g_head = nullptr;
 const int32_t g_lock_status = platform::mutex_create(g_lock) ? kOk : kInternal;
 
-template <class T> T* zeroed(size_t n) { return static_cast<T*>(std::calloc(n ? n : 1, sizeof(T))); }
+template <class T> T* zeroed(size_t n) { return scratch_zeroed<T>(n); }
 
 // Factors n (n >= 2) into t->factors/kinds, ascending. False when n has more
 // factors than a table holds.
@@ -96,6 +97,35 @@ bool make_twiddles(StageRecord* s, int r, int m, int L) {
 FFTTable* find_or_build(uint32_t n);
 void release(FFTTable* t);
 
+int64_t power_mod(int64_t b, int64_t e, int64_t p) {
+  int64_t r = 1;
+  for (b %= p; e > 0; e >>= 1, b = b * b % p)
+    if (e & 1) r = r * b % p;
+  return r;
+}
+
+// The smallest primitive root of the prime p: g is one when g^(N/q) != 1 for
+// every prime q dividing N = p - 1. Testing the order by repeated products
+// instead would take up to p steps per candidate.
+int32_t primitive_root(int32_t p) {
+  const int32_t N = p - 1;
+  int32_t primes[32];
+  int count = 0;
+  int32_t rest = N;
+  for (int32_t q = 2; static_cast<int64_t>(q) * q <= rest; ++q) {
+    if (rest % q) continue;
+    primes[count++] = q;
+    while (rest % q == 0) rest /= q;
+  }
+  if (rest > 1) primes[count++] = rest;
+  for (int32_t g = 2; g < p; ++g) {
+    bool root = true;
+    for (int i = 0; i < count && root; ++i) root = power_mod(g, N / primes[i], p) != 1;
+    if (root) return g;
+  }
+  return 1;
+}
+
 // A convolution of length p-1 through Rader factors of its own nests
 // convolutions; one zero-padded to a length of small factors is cheaper.
 bool needs_padding(const FFTTable* sub) {
@@ -148,18 +178,7 @@ bool setup_padded(StageRecord* s, const double* vr, const double* vi, int32_t N)
 
 bool setup_rader(StageRecord* s, int32_t p) {
   const int32_t N = p - 1;
-  int32_t g = 1;
-  for (int32_t cand = 2; cand < p; ++cand) {
-    int32_t x = cand, order = 1;
-    while (x != 1) {
-      x = static_cast<int32_t>((static_cast<int64_t>(x) * cand) % p);
-      ++order;
-    }
-    if (order == N) {
-      g = cand;
-      break;
-    }
-  }
+  const int32_t g = primitive_root(p);
   s->forward_index = zeroed<int32_t>(p);
   s->reverse_index = zeroed<int32_t>(p);
   s->kernel_re = zeroed<double>(N);

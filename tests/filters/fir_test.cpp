@@ -134,7 +134,7 @@ TEST(FirRemez, ValidationOrderAndCodes) {
     int32_t n;
     double fs;
     B bands;
-    int32_t type, code;
+    int32_t type, code, fail = 0;
   };
   const double inf = INFINITY;
   std::vector<Bad> bad = {
@@ -164,6 +164,7 @@ TEST(FirRemez, ValidationOrderAndCodes) {
       {"odd Hilbert at Nyquist", 31, 1000, {{1, 10, 499.9995, 1}}, 2, -20031},
       {"unknown type", 31, 1000, lowpass, 3, -20061},
       {"too many functions", 4092, 1000, lowpass, 0, -20001},
+      {"resize fails", 31, 1000, lowpass, 0, -20001, 1},
   };
   std::vector<Rejection> cases;
   for (const Bad& b : bad)
@@ -174,16 +175,9 @@ TEST(FirRemez, ValidationOrderAndCodes) {
                        const int32_t r = Parks(&n, &fs, bands.h(), &type, out, &dev, &limit, &error);
                        if (!std::isnan(dev)) return 1;
                        // Only a design that ran out of memory makes the result 2.
-                       return b.code == -20001 ? (r == 2 ? error : 1) : jqtest::reported(r, error);
-                     }});
-  cases.push_back({"resize fails", -20001,
-                   [&](uint8_t** out) {
-                     jqrt::Array2<double> bands = jqrt::Array2<double>::rows(lowpass);
-                     int32_t n = 31, type = 0, limit = 0, error = 0;
-                     double fs = 1000, dev = 0;
-                     return jqtest::reported(Parks(&n, &fs, bands.h(), &type, out, &dev, &limit, &error), error);
-                   },
-                   1});
+                       return b.code == -20001 && !b.fail ? (r == 2 ? error : 1) : jqtest::reported(r, error);
+                     },
+                     b.fail});
   jqtest::expect_rejections<double>(cases);
 
   // Half a millihertz short of Nyquist counts as reaching it.
@@ -225,7 +219,7 @@ TEST(FirIdeal, RejectionsEmptyTheCoefficients) {
   struct Bad {
     const char* what;
     double fs, fl, fh;
-    int32_t n, type, code;
+    int32_t n, type, code, fail = 0;
   };
   std::vector<Rejection> cases;
   for (Bad b : {Bad{"no taps", 1000, 100, 0, 0, 0, -20021}, Bad{"negative taps", 1000, 100, 0, -5, 0, -20021},
@@ -235,19 +229,15 @@ TEST(FirIdeal, RejectionsEmptyTheCoefficients) {
                 Bad{"zero fl", 1000, 0, 0, 11, 0, -20023}, Bad{"NaN fl", 1000, nan(), 0, 11, 1, -20023},
                 Bad{"NaN fs", nan(), 100, 0, 11, 0, -20023}, Bad{"fh not above fl", 1000, 200, 200, 11, 2, -20023},
                 Bad{"fh zero", 1000, 200, 0, 11, 3, -20023}, Bad{"highpass, even taps", 1000, 100, 0, 20, 1, -20033},
-                Bad{"bandstop, even taps", 1000, 100, 200, 20, 3, -20033}})
-    cases.push_back({b.what, b.code, [b](uint8_t** out) {
+                Bad{"bandstop, even taps", 1000, 100, 200, 20, 3, -20033},
+                Bad{"resize fails", 1000, 100, 0, 11, 0, -20001, 1}})
+    cases.push_back({b.what, b.code,
+                     [b](uint8_t** out) {
                        double fs = b.fs, fl = b.fl, fh = b.fh;
                        int32_t n = b.n, type = b.type, error = 0;
                        return jqtest::reported(FIRCoefs(&fs, &fl, &fh, &n, out, &type, &error), error);
-                     }});
-  cases.push_back({"resize fails", -20001,
-                   [](uint8_t** out) {
-                     double fs = 1000, fl = 100, fh = 0;
-                     int32_t n = 11, type = 0, error = 0;
-                     return jqtest::reported(FIRCoefs(&fs, &fl, &fh, &n, out, &type, &error), error);
-                   },
-                   1});
+                     },
+                     b.fail});
   jqtest::expect_rejections<double>(cases);
 }
 
@@ -387,12 +377,6 @@ TEST(FirMultirate, RejectionsEmptyOutputStateAndCounts) {
                      },
                      b.fail});
   jqtest::expect_rejections<double>(cases);
-  jqtest::expect_rejections<cf>({{"single-precision complex, no taps", -20003, [&](uint8_t** state) {
-                                    jqrt::Array<cf> in{cf(1, 2)}, y;
-                                    int32_t count, phase;
-                                    return ppMultiRateFIRH_CSG(in.h(), y.h(), state, none.h(), 0, 1, 1, 0, &count,
-                                                               &phase);
-                                  }}});
 }
 
 TEST(FirSavgol, MatchesSavgolCoeffsAndFilter) {
@@ -428,6 +412,14 @@ TEST(FirSavgol, KeepsPolynomialsOfItsOrderEdgesIncluded) {
 }
 
 TEST(FirSavgol, Rejections) {
+  auto scratch_fails = [](int nth, int32_t order) {
+    return [=](uint8_t** x) {
+      jq::fail_scratch_allocation(nth);
+      const int32_t r = SavitzkyGolayFiltH(x, 1, order);
+      jq::fail_scratch_allocation(0);
+      return r;
+    };
+  };
   std::vector<Rejection> cases = {
       {"negative side points", -20004, [](uint8_t** c) { return SavitzkyGolayCoefH(-1, 0, c); }},
       {"window too long", -20010, [](uint8_t** c) { return SavitzkyGolayCoefH(2147483647, 2, c); }},
@@ -437,12 +429,8 @@ TEST(FirSavgol, Rejections) {
       {"empty signal", -20003, [](uint8_t** x) { return SavitzkyGolayFiltH(jqtest::with_count(x, 0), 1, 1); }},
       {"signal shorter than the window", -20008, [](uint8_t** x) { return SavitzkyGolayFiltH(x, 2, 1); }},
       {"filter, bad order", -20061, [](uint8_t** x) { return SavitzkyGolayFiltH(x, 1, 3); }},
-      {"failed scratch", -20001, [](uint8_t** x) {
-         jq::fail_scratch_allocation(2);
-         const int32_t r = SavitzkyGolayFiltH(x, 1, 1);
-         jq::fail_scratch_allocation(0);
-         return r;
-       }}};
+      {"failed scratch", -20001, scratch_fails(2, 1)},
+      {"bad order decides before any allocation", -20061, scratch_fails(1, 3)}};
   jqtest::expect_rejections<double>(cases);
 }
 
@@ -525,7 +513,7 @@ TEST(FirNarrow, Rejections) {
   struct Bad {
     const char* what;
     double fs, fp, fst, ripple, att;
-    int32_t type, factor, code;
+    int32_t type, factor, code, fail = 0;
   };
   std::vector<Rejection> cases;
   for (Bad b : {Bad{"infinite fs", INFINITY, 20, 25, 0.01, 60, 0, 0, -20031},
@@ -538,16 +526,20 @@ TEST(FirNarrow, Rejections) {
                 Bad{"ripple 1", 1000, 20, 25, 1, 60, 0, 0, -20053},
                 Bad{"no attenuation", 1000, 20, 25, 0.01, 0, 0, 0, -20140},
                 Bad{"factor too large", 1000, 20, 25, 0.01, 60, 0, 50, -20061},
-                Bad{"beyond the longest design", 1000, 100, 100.01, 0.001, 120, 0, 1, -20031}}) {
-    cases.push_back({b.what, b.code, [b](uint8_t** out) {
+                Bad{"beyond the longest design", 1000, 100, 100.01, 0.001, 120, 0, 1, -20031},
+                Bad{"model resize fails", 1000, 20, 25, 0.01, 60, 0, 0, -20001, 1}}) {
+    cases.push_back({b.what, b.code,
+                     [b](uint8_t** out) {
                        jqrt::Array<double> other(4);
                        Bad c = b;
                        int32_t error = 0;
                        const int32_t r = FIRNarrowCoef_head(&c.fs, &c.fp, &c.fst, &c.ripple, &c.att, &c.type,
                                                             &c.factor, out, other.h(), &error);
                        return other.size() == 0 ? jqtest::reported(r, error) : 1;
-                     }});
-    if (b.code == -20031 && b.factor == 1) continue;  // one 4089-tap attempt is enough
+                     },
+                     b.fail});
+    // One 4089-tap attempt is enough; the filter resizes nothing on success.
+    if (b.fail || (b.code == -20031 && b.factor == 1)) continue;
     cases.push_back({b.what, b.code, [b](uint8_t** x) {
                        Bad c = b;
                        int32_t error = 0;
@@ -563,14 +555,5 @@ TEST(FirNarrow, Rejections) {
                                                                   &type, &factor, &error),
                                              error);
                    }});
-  cases.push_back({"model resize fails", -20001,
-                   [](uint8_t** out) {
-                     double fs = 1000, fp = 20, fst = 25, rp = 0.01, att = 60;
-                     int32_t type = 0, factor = 0, error = 0;
-                     jqrt::Array<double> other(4);
-                     return jqtest::reported(
-                         FIRNarrowCoef_head(&fs, &fp, &fst, &rp, &att, &type, &factor, out, other.h(), &error), error);
-                   },
-                   1});
   jqtest::expect_rejections<double>(cases);
 }

@@ -280,37 +280,32 @@ TEST(IirFilter, RejectionsEmptyTheSignalAndTheStatesTheySay) {
     const int32_t r = call(&e);
     return jqtest::reported(r, e);
   };
+  // IIR_Filter on the given coefficients; a forward state of `held` samples
+  // must come back empty.
+  auto direct = [&](Arr& ra, Arr& rb, int held = 0, bool empty = false) {
+    return [&, held, empty](uint8_t** x) {
+      Arr fs(held), rs;
+      const int32_t code = err_of([&](int32_t* e) {
+        return IIR_Filter(empty ? jqtest::with_count(x, 0) : x, ra.h(), rb.h(), fs.h(), rs.h(), 1, e);
+      });
+      EXPECT_EQ(fs.size(), 0);
+      return code;
+    };
+  };
+  auto cascade = [&](int32_t* top, Arr& ra, Arr& rb) {
+    return [&, top](uint8_t** x) {
+      Arr s;
+      return err_of([&](int32_t* e) { return IIR_Filter2(x, top, ra.h(), rb.h(), s.h(), 1, e); });
+    };
+  };
   jqtest::expect_rejections<double>({
-      R{"IIR_Filter empty signal", -20003, [&](uint8_t** x) {
-          Arr fs, rs;
-          return err_of([&](int32_t* e) { return IIR_Filter(jqtest::with_count(x, 0), a.h(), b.h(), fs.h(), rs.h(), 0, e); });
-        }},
-      R{"IIR_Filter reverse only", -20008, [&](uint8_t** x) {
-          Arr fs, rs;
-          return err_of([&](int32_t* e) { return IIR_Filter(x, a.h(), none.h(), fs.h(), rs.h(), 0, e); });
-        }},
-      R{"IIR_Filter state resize", -20001, [&](uint8_t** x) {
-          Arr fs(1), rs;
-          const int32_t code = err_of([&](int32_t* e) { return IIR_Filter(x, a.h(), b.h(), fs.h(), rs.h(), 1, e); });
-          EXPECT_EQ(fs.size(), 0);
-          return code;
-        }, 1},
-      R{"IIR_Filter2 topology", -20061, [&](uint8_t** x) {
-          Arr s;
-          return err_of([&](int32_t* e) { return IIR_Filter2(x, &top2, sa.h(), sb.h(), s.h(), 1, e); });
-        }},
-      R{"IIR_Filter2 one array", -20008, [&](uint8_t** x) {
-          Arr s;
-          return err_of([&](int32_t* e) { return IIR_Filter2(x, &top0, sa.h(), none.h(), s.h(), 1, e); });
-        }},
-      R{"IIR_Filter2 lengths", -20066, [&](uint8_t** x) {
-          Arr s;
-          return err_of([&](int32_t* e) { return IIR_Filter2(x, &top0, odd.h(), sb.h(), s.h(), 1, e); });
-        }},
-      R{"IIR_Filter2 state resize", -20001, [&](uint8_t** x) {
-          Arr s;
-          return err_of([&](int32_t* e) { return IIR_Filter2(x, &top0, sa.h(), sb.h(), s.h(), 1, e); });
-        }, 1},
+      R{"IIR_Filter empty signal", -20003, direct(a, b, 0, true)},
+      R{"IIR_Filter reverse only", -20008, direct(a, none)},
+      R{"IIR_Filter state resize", -20001, direct(a, b, 1), 1},
+      R{"IIR_Filter2 topology", -20061, cascade(&top2, sa, sb)},
+      R{"IIR_Filter2 one array", -20008, cascade(&top0, sa, none)},
+      R{"IIR_Filter2 lengths", -20066, cascade(&top0, odd, sb)},
+      R{"IIR_Filter2 state resize", -20001, cascade(&top0, sa, sb), 1},
       R{"OneState reverse only (state emptied too)", -20008, [&](uint8_t** x) {
           Arr s(4);
           const int32_t code = IIR_Filter_OneState(x, a.h(), none.h(), s.h(), 1);

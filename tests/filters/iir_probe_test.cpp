@@ -88,12 +88,8 @@ TEST(IirProbe, HostileFilterArgumentsNeverCrash) {
           zeroPhaseFiltH(x.h(), a, b, s1.h(), s2.h(), s1.h(), s2.h(), 0);
           IIR_Filter2(nullptr, nullptr, a, b, s1.h(), 1, nullptr);
         }
-    // A real signal through complex coefficients; nothing at all to filter.
-    CArr ca{{1.0, 0.0}}, cb{{0.5, 0.5}, {0.25, 0.0}};
-    Arr rx(std::vector<double>(5, 1.0));
-    Arr f;
-    CArr y, rs, cx2{{1.0, 1.0}};
-    EXPECT_EQ(CxIIRReSig_Filter_H(rx.h(), ca.h(), cb.h(), f.h(), rs.h(), 0, y.h()), 0);
+    // Complex coefficients, with nothing at all to filter.
+    CArr rs, cx2{{1.0, 1.0}};
     EXPECT_EQ(CxIIR_Filter_H(cx2.h(), nullptr, nullptr, rs.h(), rs.h(), 0), 0);
   }
   EXPECT_EQ(jqrt_live_blocks(), live);

@@ -21,6 +21,18 @@ TEST(MeasurementInstance, CreatedOnceRegisteredAndReleased) {
   EXPECT_EQ(jqrt_dispose_context(), registered + 1);
 }
 
+TEST(MeasurementInstance, DisposingOneInstanceLeavesTheOthers) {
+  jqrt::Slot a, b;
+  jq::MeasurementInstance* m = nullptr;
+  const int32_t registered = jqrt_cleanup_count();
+  ASSERT_EQ(jq::acquire_measurement_instance(a.get(), &m), 0);
+  ASSERT_EQ(jq::acquire_measurement_instance(b.get(), &m), 0);
+  EXPECT_EQ(jqrt_dispose_instance(a.value()), 1);
+  EXPECT_EQ(jqrt_dispose_instance(a.value()), 0) << "already forgotten";
+  EXPECT_EQ(jqrt_cleanup_count(), registered + 1);
+  EXPECT_EQ(jqrt_dispose_context(), registered + 1);
+}
+
 TEST(MeasurementInstance, UnreserveFreesValuesAndNullsTheSlot) {
   jqrt::Slot slot;
   EXPECT_EQ(MeasurementUnreserveProc(slot.get()), 0);

@@ -1,0 +1,277 @@
+#include "linalg/structured.hpp"
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+
+#include "linalg/decompose.hpp"
+#include "linalg/dense.hpp"
+
+namespace jq::linalg {
+// Forward substitution with the unit lower factor, then back substitution
+// with the upper one, one row's dot product at a time.
+template <class T> int32_t lu_solve(const T* lu, const int32_t* pivots, int32_t n, const T* b, T* x) {
+  if (int32_t rc = ready()) return rc;
+  std::memcpy(static_cast<void*>(x), b, sizeof(T) * n);
+  for (int32_t i = 0; i < n; ++i) std::swap(x[i], x[pivots[i]]);
+  for (int32_t i = 1; i < n; ++i) x[i] -= Blas<T>::dot(i, lu + static_cast<size_t>(i) * n, x);
+  for (int32_t i = n - 1; i >= 0; --i) {
+    const T* row = lu + static_cast<size_t>(i) * n;
+    if (row[i] == T(0.0)) return kSingular;
+    x[i] = (x[i] - Blas<T>::dot(n - 1 - i, row + i + 1, x + i + 1)) / row[i];
+  }
+  return kOk;
+}
+
+template <class T> int32_t lu_inverse(const T* lu, const int32_t* pivots, int32_t n, T* inv) {
+  if (int32_t rc = ready()) return rc;
+  Buffer<T> c, work;
+  Scratch<I> ipiv;
+  if (to_column_major(lu, n, n, c, n) || ipiv.allocate(n)) return kNoMemory;
+  for (int32_t i = 0; i < n; ++i) ipiv[i] = pivots[i] + 1;
+  I info = 0;
+  T query = 0.0;
+  Blas<T>::getri(n, c.data(), n, ipiv.data(), &query, -1, &info);
+  if (work.allocate(workspace(query))) return kNoMemory;
+  Blas<T>::getri(n, c.data(), n, ipiv.data(), work.data(), workspace(query), &info);
+  if (info > 0) return kSingular;
+  from_column_major(c.data(), n, n, n, inv);
+  return kOk;
+}
+
+int32_t tridiagonal_solve(const double* dl, const double* d, const double* du, int32_t n, const double* b, int32_t k,
+                          double* x) {
+  if (int32_t rc = ready()) return rc;
+  Buffer<double> l, m, u, u2, bc;
+  Scratch<I> ipiv;
+  const int32_t off = std::max(n - 1, 1);
+  if (l.allocate(off) || m.allocate(n) || u.allocate(off) || u2.allocate(std::max(n - 2, 1)) || ipiv.allocate(n) ||
+      to_column_major(b, n, k, bc, n))
+    return kNoMemory;
+  if (n > 1) {
+    std::memcpy(l.data(), dl, sizeof(double) * (n - 1));
+    std::memcpy(u.data(), du, sizeof(double) * (n - 1));
+  }
+  std::memcpy(m.data(), d, sizeof(double) * n);
+  I info = 0;
+  JQ_CALL(dgttrf, &n, l.data(), m.data(), u.data(), u2.data(), ipiv.data(), &info);
+  if (info > 0) return kSingular;
+  JQ_CALL(dgttrs, "N", &n, &k, l.data(), m.data(), u.data(), u2.data(), ipiv.data(), bc.data(), &n, &info);
+  from_column_major(bc.data(), n, n, k, x);
+  return kOk;
+}
+
+template <class T> bool is_symmetric(const T* a, int32_t n) {
+  double big = 0;
+  for (int64_t i = 0; i < int64_t{n} * n; ++i) big = std::max(big, std::abs(a[i]));
+  const double tol = n * kEps * big;
+  for (int32_t i = 0; i < n; ++i)
+    for (int32_t j = 0; j <= i; ++j)
+      if (std::abs(a[static_cast<size_t>(i) * n + j] - conj_of(a[static_cast<size_t>(j) * n + i])) > tol) return false;
+  return true;
+}
+
+template <class T> int32_t is_positive_definite(const T* a, int32_t n, bool semi, int32_t* result) {
+  *result = 0;
+  if (!is_symmetric(a, n)) return kOk;
+  Buffer<double> w;
+  Buffer<T> v;
+  if (int32_t rc = ready()) return rc;
+  if (w.allocate(n) || v.allocate(int64_t{n} * n)) return kNoMemory;
+  if (int32_t rc = eigen_symmetric(a, n, w.data(), v.data())) return rc;
+  const double scale = std::max(std::abs(w[0]), std::abs(w[n - 1]));
+  *result = semi ? w[0] >= -n * kEps * scale : w[0] > 0;
+  return kOk;
+}
+
+template <class T> int32_t hessenberg(const T* a, int32_t n, T* h, T* q) {
+  if (int32_t rc = ready()) return rc;
+  Buffer<T> c, tau, work;
+  if (to_column_major(a, n, n, c, n) || tau.allocate(std::max(n - 1, 1))) return kNoMemory;
+  I info = 0;
+  T query = 0.0;
+  Blas<T>::gehrd(n, c.data(), tau.data(), &query, -1, &info);
+  if (work.allocate(workspace(query))) return kNoMemory;
+  Blas<T>::gehrd(n, c.data(), tau.data(), work.data(), workspace(query), &info);
+  from_column_major(c.data(), n, n, n, h);
+  for (int32_t i = 2; i < n; ++i)
+    for (int32_t j = 0; j < i - 1; ++j) h[static_cast<size_t>(i) * n + j] = 0.0;
+  Blas<T>::orghr(n, c.data(), tau.data(), &query, -1, &info);
+  if (work.allocate(workspace(query))) return kNoMemory;
+  Blas<T>::orghr(n, c.data(), tau.data(), work.data(), workspace(query), &info);
+  from_column_major(c.data(), n, n, n, q);
+  return kOk;
+}
+
+template <class T> int32_t schur(const T* a, int32_t n, T* s, T* z) {
+  if (int32_t rc = ready()) return rc;
+  Buffer<T> c, zc, w1, w2, work;
+  Buffer<double> rwork;
+  Scratch<I> bwork;
+  if (to_column_major(a, n, n, c, n) || zc.allocate(int64_t{n} * n) || w1.allocate(n) || w2.allocate(n) ||
+      rwork.allocate(n) || bwork.allocate(n))
+    return kNoMemory;
+  I info = 0, sdim = 0;
+  const I minus1 = -1;
+  T query = 0.0;
+  auto run = [&](T* wk, const I* lwork) {
+    if constexpr (std::is_same_v<T, double>)
+      JQ_CALL(dgees, "V", "N", nullptr, &n, c.data(), &n, &sdim, w1.data(), w2.data(), zc.data(), &n, wk, lwork,
+              bwork.data(), &info);
+    else
+      JQ_CALL(zgees, "V", "N", nullptr, &n, c.data(), &n, &sdim, w1.data(), zc.data(), &n, wk, lwork, rwork.data(),
+              bwork.data(), &info);
+  };
+  run(&query, &minus1);
+  const I lwork = workspace(query);
+  if (work.allocate(lwork)) return kNoMemory;
+  run(work.data(), &lwork);
+  if (info > 0) return kNoConvergence;
+  from_column_major(c.data(), n, n, n, s);
+  from_column_major(zc.data(), n, n, n, z);
+  return kOk;
+}
+
+template <class T> int32_t characteristic_polynomial(const T* a, int32_t n, T* c) {
+  Buffer<cdouble> values, vectors;
+  if (int32_t rc = ready()) return rc;
+  if (values.allocate(n) || vectors.allocate(int64_t{n} * n)) return kNoMemory;
+  if (int32_t rc = eigen(a, n, values.data(), vectors.data())) return rc;
+  // Multiply out (x - l_1)...(x - l_n), constant first.
+  Buffer<cdouble> p;
+  if (p.allocate(n + 1)) return kNoMemory;
+  p[0] = 1.0;
+  for (int32_t k = 0; k < n; ++k) {
+    p[k + 1] = p[k];
+    for (int32_t j = k; j > 0; --j) p[j] = p[j - 1] - values[k] * p[j];
+    p[0] = -values[k] * p[0];
+  }
+  for (int32_t j = 0; j <= n; ++j) {
+    if constexpr (std::is_same_v<T, double>)
+      c[j] = p[j].real();
+    else
+      c[j] = p[j];
+  }
+  return kOk;
+}
+
+template <class T> int32_t sylvester(const T* a, int32_t m, const T* b, int32_t n, bool adjoint_b, const T* c, T* x) {
+  if (int32_t rc = ready()) return rc;
+  const int64_t mm = int64_t{m} * m, nn = int64_t{n} * n, mn = int64_t{m} * n;
+  Buffer<T> s, u, t, v, f, g, sc, tc, bh;
+  if (s.allocate(mm) || u.allocate(mm) || t.allocate(nn) || v.allocate(nn) || f.allocate(mn) || g.allocate(mn))
+    return kNoMemory;
+  const T* bb = b;
+  if (adjoint_b) {
+    if (bh.allocate(nn)) return kNoMemory;
+    for (int32_t i = 0; i < n; ++i)
+      for (int32_t j = 0; j < n; ++j) bh[static_cast<size_t>(i) * n + j] = conj_of(b[static_cast<size_t>(j) * n + i]);
+    bb = bh.data();
+  }
+  // A = U S U^H, B = V T V^H; then S Y + Y T = U^H C V and X = U Y V^H.
+  if (int32_t rc = schur(a, m, s.data(), u.data())) return rc;
+  if (int32_t rc = schur(bb, n, t.data(), v.data())) return rc;
+  Blas<T>::gemm_t(kConjTrans, kNoTrans, m, n, m, u.data(), m, c, n, g.data(), n);
+  Blas<T>::gemm_t(kNoTrans, kNoTrans, m, n, n, g.data(), n, v.data(), n, f.data(), n);
+  if (to_column_major(s.data(), m, m, sc, m) || to_column_major(t.data(), n, n, tc, n) ||
+      to_column_major(f.data(), m, n, g, m))
+    return kNoMemory;
+  double scale = 1;
+  I info = 0;
+  Blas<T>::trsyl(m, n, sc.data(), tc.data(), g.data(), &scale, &info);
+  if (info > 0) return kSingular;
+  from_column_major(g.data(), m, m, n, f.data());
+  Blas<T>::gemm_t(kNoTrans, kNoTrans, m, n, m, u.data(), m, f.data(), n, g.data(), n);
+  Blas<T>::gemm_t(kNoTrans, kConjTrans, m, n, n, g.data(), n, v.data(), n, x, n);
+  if (scale != 1) Blas<T>::scal(static_cast<I>(mn), 1.0 / scale, x, 1);
+  return kOk;
+}
+
+// LAPACK's band layout: column j of the band holds A(i, j) at row
+// kl + ku + i - j, kl rows on top being room for the fill-in.
+template <class T> int32_t band_solve(const T* a, int32_t n, int32_t kl, int32_t ku, const T* b, int32_t k, T* x) {
+  if (int32_t rc = ready()) return rc;
+  const int32_t ld = 2 * kl + ku + 1;
+  Buffer<T> ab, bc;
+  Scratch<I> ipiv;
+  if (ab.allocate(int64_t{ld} * n) || ipiv.allocate(n) || to_column_major(b, n, k, bc, n)) return kNoMemory;
+  std::fill(ab.data(), ab.data() + int64_t{ld} * n, T(0.0));
+  for (int32_t j = 0; j < n; ++j)
+    for (int32_t i = std::max(0, j - ku); i <= std::min(n - 1, j + kl); ++i)
+      ab[static_cast<size_t>(j) * ld + kl + ku + i - j] = a[static_cast<size_t>(i) * n + j];
+  I info = 0;
+  Blas<T>::gbsv(n, kl, ku, k, ab.data(), ld, ipiv.data(), bc.data(), &info);
+  if (info > 0) return kSingular;
+  from_column_major(bc.data(), n, n, k, x);
+  return kOk;
+}
+
+constexpr char kBalanceJobs[] = "NPSB";
+
+template <class T>
+int32_t balance(const T* a, int32_t n, int32_t job, T* b, double* scale, int32_t* ilo, int32_t* ihi) {
+  if (int32_t rc = ready()) return rc;
+  Buffer<T> c;
+  if (to_column_major(a, n, n, c, n)) return kNoMemory;
+  I lo = 1, hi = n, info = 0;
+  Blas<T>::gebal(kBalanceJobs[job], n, c.data(), &lo, &hi, scale, &info);
+  from_column_major(c.data(), n, n, n, b);
+  *ilo = lo - 1;
+  *ihi = hi - 1;
+  return kOk;
+}
+
+template <class T>
+int32_t balance_back(T* v, int32_t n, int32_t m, const double* scale, int32_t ilo, int32_t ihi, int32_t job, int32_t side) {
+  if (int32_t rc = ready()) return rc;
+  Buffer<T> c;
+  if (to_column_major(v, n, m, c, n)) return kNoMemory;
+  I info = 0;
+  Blas<T>::gebak(kBalanceJobs[job], side ? 'L' : 'R', n, ilo + 1, ihi + 1, scale, m, c.data(), &info);
+  from_column_major(c.data(), n, n, m, v);
+  return kOk;
+}
+
+int32_t qz(const double* a, const double* b, int32_t n, double* s, double* t, double* q, double* z, cdouble* alpha,
+           double* beta) {
+  if (int32_t rc = ready()) return rc;
+  const int64_t nn = int64_t{n} * n;
+  Buffer<double> ac, bc, qc, zc, ar, ai, work;
+  Scratch<I> bwork;
+  if (to_column_major(a, n, n, ac, n) || to_column_major(b, n, n, bc, n) || qc.allocate(nn) || zc.allocate(nn) ||
+      ar.allocate(n) || ai.allocate(n) || bwork.allocate(n))
+    return kNoMemory;
+  I sdim = 0, info = 0;
+  const I minus1 = -1;
+  double query = 0;
+  JQ_CALL(dgges, "V", "V", "N", nullptr, &n, ac.data(), &n, bc.data(), &n, &sdim, ar.data(), ai.data(), beta,
+          qc.data(), &n, zc.data(), &n, &query, &minus1, bwork.data(), &info);
+  const I lwork = workspace(query);
+  if (work.allocate(lwork)) return kNoMemory;
+  JQ_CALL(dgges, "V", "V", "N", nullptr, &n, ac.data(), &n, bc.data(), &n, &sdim, ar.data(), ai.data(), beta,
+          qc.data(), &n, zc.data(), &n, work.data(), &lwork, bwork.data(), &info);
+  if (info > 0) return kNoConvergence;
+  for (int32_t j = 0; j < n; ++j) alpha[j] = {ar[j], ai[j]};
+  from_column_major(ac.data(), n, n, n, s);
+  from_column_major(bc.data(), n, n, n, t);
+  from_column_major(qc.data(), n, n, n, q);
+  from_column_major(zc.data(), n, n, n, z);
+  return kOk;
+}
+
+#define JQ_INSTANTIATE(T)                                                                     \
+  template int32_t lu_solve(const T*, const int32_t*, int32_t, const T*, T*);                 \
+  template int32_t lu_inverse(const T*, const int32_t*, int32_t, T*);                         \
+  template bool is_symmetric(const T*, int32_t);                                              \
+  template int32_t is_positive_definite(const T*, int32_t, bool, int32_t*);                   \
+  template int32_t hessenberg(const T*, int32_t, T*, T*);                                     \
+  template int32_t schur(const T*, int32_t, T*, T*);                                          \
+  template int32_t characteristic_polynomial(const T*, int32_t, T*);                         \
+  template int32_t sylvester(const T*, int32_t, const T*, int32_t, bool, const T*, T*);      \
+  template int32_t band_solve(const T*, int32_t, int32_t, int32_t, const T*, int32_t, T*);     \
+  template int32_t balance(const T*, int32_t, int32_t, T*, double*, int32_t*, int32_t*);         \
+  template int32_t balance_back(T*, int32_t, int32_t, const double*, int32_t, int32_t, int32_t, int32_t);
+JQ_INSTANTIATE(double)
+JQ_INSTANTIATE(cdouble)
+
+}  // namespace jq::linalg
