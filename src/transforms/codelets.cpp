@@ -7,6 +7,7 @@ namespace jq::fft {
 
 namespace avx2 {
 const CodeletSet* find(int radix);
+PrimeBatch prime_batch_kernel();
 }
 
 namespace {
@@ -21,5 +22,10 @@ bool use_avx2() {
 }  // namespace
 
 const CodeletSet* codelets_for(int radix) { return use_avx2() ? avx2::find(radix) : baseline::find(radix); }
+
+PrimeBatch generic_prime_batch() {
+  static const PrimeBatch k = use_avx2() ? avx2::prime_batch_kernel() : baseline::prime_batch_kernel();
+  return k;
+}
 
 }  // namespace jq::fft

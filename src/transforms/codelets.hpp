@@ -18,4 +18,13 @@ constexpr int kCodeletRadices[] = {10, 43, 41, 37, 32, 31, 29, 19, 18, 17, 16, 1
 // The butterflies of a radix, or null when it has none.
 const CodeletSet* codelets_for(int radix);
 
+// The largest prime that runs through the generic butterfly.
+constexpr int kMaxGenericPrime = 49;
+
+// B DFTs of an odd prime length p <= kMaxGenericPrime from the factor's
+// cosine and sine tables; value j of DFT b is at j*B + b, in and out.
+using PrimeBatch = void (*)(const double* cs, const double* sn, int p, const double* xr, const double* xi,
+                            double* yr, double* yi, int B);
+PrimeBatch generic_prime_batch();
+
 }  // namespace jq::fft

@@ -242,17 +242,20 @@ inline void leaf_loop(const double* in, double* out, ptrdiff_t is, ptrdiff_t os,
     body(LeafScalar{os}, in, out, is, os);
     return;
   }
+  // A tail of fewer than kW DFTs reruns the last kW as one vector: the
+  // leaves are out of place, so the overlap writes the same values twice.
   int c = 0;
-  if (idist == 1) {
-    const LeafVector<0> a{idist, odist, os};
-    for (; c + kW <= count; c += kW) body(a, in + c, out + c * odist, is, os);
-  } else if (idist == 2 && paired_in && paired_out && os == 2) {
-    const LeafVector<1> a{idist, odist, os};
+  auto run = [&](const auto& a) {
     for (; c + kW <= count; c += kW) body(a, in + c * idist, out + c * odist, is, os);
-  } else {
-    const LeafVector<2> a{idist, odist, os};
-    for (; c + kW <= count; c += kW) body(a, in + c * idist, out + c * odist, is, os);
-  }
+    if (c < count && count >= kW) {
+      c = count - kW;
+      body(a, in + c * idist, out + c * odist, is, os);
+      c = count;
+    }
+  };
+  if (idist == 1) run(LeafVector<0>{idist, odist, os});
+  else if (idist == 2 && paired_in && paired_out && os == 2) run(LeafVector<1>{idist, odist, os});
+  else run(LeafVector<2>{idist, odist, os});
   const LeafScalar a{os};
   for (; c < count; ++c) body(a, in + c * idist, out + c * odist, is, os);
 }
@@ -347,7 +350,61 @@ inline void hc_twiddle_loop(double* d, const double* twc, const double* tws, ptr
 }
 
 #include "transforms/codelets.inc"
+
+// B independent DFTs of an odd prime length p without codelets, value j of
+// DFT b at j*B + b. Inputs j and p-j are folded into their sum and
+// difference, so that outputs q and p-q come from one pass over half the
+// inputs with real cosines and sines: a quarter of the direct sum's
+// multiplies.
+template <class T>
+inline void prime_lanes(const double* cs, const double* sn, int p, const double* xr, const double* xi, double* yr,
+                        double* yi, ptrdiff_t B, ptrdiff_t b) {
+  constexpr int kHalf = kMaxGenericPrime / 2;
+  T ar[kHalf + 1], ai[kHalf + 1], dr[kHalf + 1], di[kHalf + 1];
+  const int h = (p - 1) / 2;
+  const T x0r = ld<T>(xr + b), x0i = ld<T>(xi + b);
+  T sr = x0r, si = x0i;
+  for (int j = 1; j <= h; ++j) {
+    const T ur = ld<T>(xr + j * B + b), ui = ld<T>(xi + j * B + b);
+    const T vr = ld<T>(xr + (p - j) * B + b), vi = ld<T>(xi + (p - j) * B + b);
+    ar[j] = ur + vr;
+    ai[j] = ui + vi;
+    dr[j] = ur - vr;
+    di[j] = ui - vi;
+    sr += ar[j];
+    si += ai[j];
+  }
+  st(yr + b, sr);
+  st(yi + b, si);
+  for (int q = 1; q <= h; ++q) {
+    T cr = x0r, ci = x0i, tr = T{}, ti = T{};
+    int idx = 0;
+    for (int j = 1; j <= h; ++j) {
+      idx += q;
+      if (idx >= p) idx -= p;
+      const double c = cs[idx], s = sn[idx];
+      cr += ar[j] * c;
+      ci += ai[j] * c;
+      tr += dr[j] * s;
+      ti += di[j] * s;
+    }
+    st(yr + q * B + b, cr + ti);
+    st(yi + q * B + b, ci - tr);
+    st(yr + (p - q) * B + b, cr - ti);
+    st(yi + (p - q) * B + b, ci + tr);
+  }
+}
+
+void prime_batch(const double* cs, const double* sn, int p, const double* xr, const double* xi, double* yr,
+                 double* yi, int B) {
+  int b = 0;
+  for (; b + kW <= B; b += kW) prime_lanes<V>(cs, sn, p, xr, xi, yr, yi, B, b);
+  for (; b < B; ++b) prime_lanes<double>(cs, sn, p, xr, xi, yr, yi, B, b);
+}
+
 }  // namespace
+
+PrimeBatch prime_batch_kernel() { return prime_batch; }
 
 const CodeletSet* find(int radix) {
   for (const CodeletSet& c : kCodeletSets)

@@ -5,25 +5,39 @@
 // of the output and combines the blocks in place with the level's
 // twiddles. The real path keeps every block in the half-complex layout, so
 // it moves n real values where the complex path moves n complex ones.
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 
 #include "frame/errors.hpp"
 #include "frame/scratch.hpp"
+#include "transforms/codelets.hpp"
 #include "transforms/fft.hpp"
 
 namespace jq::fft {
 namespace {
 
-// Work arrays of the generic and Rader butterflies: gathered input and
-// output of length p and, for Rader, four arrays of length p-1.
+struct Level {
+  const StageRecord* stage;
+  int32_t kind;
+  int32_t r;
+};
+
+// Work arrays of the generic and Rader butterflies: gathered inputs and
+// outputs of `lanes()` butterflies side by side (value j of butterfly b at
+// j*lanes + b) and, for Rader, four arrays for the convolution. Generic
+// primes run kBatch butterflies at once on the stack; Rader one at a time.
 class PrimeWork {
  public:
-  explicit PrimeWork(int32_t p) : p_(p) {
-    if (p <= kStack) {
+  static constexpr int kBatch = 8;
+  explicit PrimeWork(const Level& lv) : p_(lv.r) {
+    if (lv.kind == kGeneric) {
+      lanes_ = kBatch;
       base_ = stack_;
     } else {
-      heap_ = scratch_zeroed<double>(8 * static_cast<size_t>(p));
+      const int32_t M = lv.stage->padded_length;
+      const size_t conv = static_cast<size_t>(M ? M : lv.r - 1);
+      heap_ = scratch_zeroed<double>(4 * static_cast<size_t>(p_) + 4 * conv);
       base_ = heap_;
     }
   }
@@ -31,43 +45,33 @@ class PrimeWork {
   PrimeWork(const PrimeWork&) = delete;
   PrimeWork& operator=(const PrimeWork&) = delete;
   bool ok() const { return base_ != nullptr; }
+  int lanes() const { return lanes_; }
   double* xr() const { return base_; }
-  double* xi() const { return base_ + p_; }
-  double* yr() const { return base_ + 2 * p_; }
-  double* yi() const { return base_ + 3 * p_; }
-  double* rader() const { return base_ + 4 * p_; }
+  double* xi() const { return base_ + p_ * lanes_; }
+  double* yr() const { return base_ + 2 * p_ * lanes_; }
+  double* yi() const { return base_ + 3 * p_ * lanes_; }
+  double* rader() const { return base_ + 4 * p_ * lanes_; }
 
  private:
-  static constexpr int kStack = 50;
   int32_t p_;
-  double stack_[4 * kStack];
+  int lanes_ = 1;
+  double stack_[4 * kMaxGenericPrime * kBatch];
   double* heap_ = nullptr;
   double* base_ = nullptr;
 };
 
-// DFT of length p of the gathered values, by the direct sum (generic
-// primes) or Rader's convolution.
-int32_t prime_dft(const StageRecord* s, int32_t kind, int32_t p, const PrimeWork& w) {
+// Rader: the DFT of one gathered sequence of prime length p as a cyclic
+// convolution of length p-1 (or zero-padded to the stage's padded length).
+int32_t rader_dft(const StageRecord* s, int32_t p, const PrimeWork& w) {
   const double *xr = w.xr(), *xi = w.xi();
   double *yr = w.yr(), *yi = w.yi();
-  if (kind == kGeneric) {
-    for (int32_t q = 0; q < p; ++q) {
-      double re = 0, im = 0;
-      int32_t idx = 0;
-      for (int32_t j = 0; j < p; ++j) {
-        const double c = s->cos_table[idx], sn = s->sin_table[idx];
-        re += xr[j] * c + xi[j] * sn;
-        im += xi[j] * c - xr[j] * sn;
-        idx += q;
-        if (idx >= p) idx -= p;
-      }
-      yr[q] = re;
-      yi[q] = im;
-    }
-    return kOk;
-  }
   const int32_t N = p - 1;
-  double *ur = w.rader(), *ui = ur + N, *vr = ui + N, *vi = vr + N;
+  const bool padded = s->padded_length > 0;
+  const int32_t M = padded ? s->padded_length : N;
+  const FFTTable* sub = padded ? s->padded : s->sub;
+  const double* kre = padded ? s->padded_kernel_re : s->kernel_re;
+  const double* kim = padded ? s->padded_kernel_im : s->kernel_im;
+  double *ur = w.rader(), *ui = ur + M, *vr = ui + M, *vi = vr + M;
   double sr = xr[0], si = xi[0];
   for (int32_t a = 0; a < N; ++a) {
     const int32_t at = s->forward_index[a + 1];
@@ -76,32 +80,40 @@ int32_t prime_dft(const StageRecord* s, int32_t kind, int32_t p, const PrimeWork
     sr += xr[at];
     si += xi[at];
   }
-  int32_t rc = ExecuteComplexFFT(s->sub, ur, ui, vr, vi, 1, 1, N);
+  std::fill(ur + N, ur + M, 0.0);
+  std::fill(ui + N, ui + M, 0.0);
+  int32_t rc = ExecuteComplexFFT(sub, ur, ui, vr, vi, 1, 1, M);
   if (rc != kOk) return rc;
-  for (int32_t a = 0; a < N; ++a) {
-    const double kr = s->kernel_re[a], ki = s->kernel_im[a];
+  for (int32_t a = 0; a < M; ++a) {
+    const double kr = kre[a], ki = kim[a];
     ur[a] = vr[a] * kr - vi[a] * ki;
     ui[a] = vr[a] * ki + vi[a] * kr;
   }
-  rc = ExecuteComplexFFT(s->sub, ur, ui, vr, vi, 1, 1, N);
+  rc = ExecuteComplexFFT(sub, ur, ui, vr, vi, 1, 1, M);
   if (rc != kOk) return rc;
-  // The forward transform of the product is the convolution reversed, which
-  // the forward index table undoes.
+  // The forward transform of the product is the convolution reversed:
+  // output j of the convolution sits at (M - j) mod M. Input g^a pairs
+  // with output g^-a, which the forward index table undoes.
   yr[0] = sr;
   yi[0] = si;
-  for (int32_t j = 0; j < N; ++j) {
+  yr[s->forward_index[1]] = xr[0] + vr[0];
+  yi[s->forward_index[1]] = xi[0] + vi[0];
+  for (int32_t j = 1; j < N; ++j) {
     const int32_t at = s->forward_index[j + 1];
-    yr[at] = xr[0] + vr[j];
-    yi[at] = xi[0] + vi[j];
+    yr[at] = xr[0] + vr[M - N + j];
+    yi[at] = xi[0] + vi[M - N + j];
   }
   return kOk;
 }
 
-struct Level {
-  const StageRecord* stage;
-  int32_t kind;
-  int32_t r;
-};
+// DFTs of length p of the B gathered sequences in w (B = 1 for Rader).
+int32_t prime_dft(const Level& lv, const PrimeWork& w, int B) {
+  if (lv.kind == kGeneric) {
+    generic_prime_batch()(lv.stage->cos_table, lv.stage->sin_table, lv.r, w.xr(), w.xi(), w.yr(), w.yi(), B);
+    return kOk;
+  }
+  return rader_dft(lv.stage, lv.r, w);
+}
 
 Level level_of(const FFTTable* t, int k) { return Level{t->stages[k], t->kinds[k], t->factors[k]}; }
 
@@ -114,42 +126,68 @@ inline void twiddle(const StageRecord* s, int32_t r, int32_t k, int32_t t, doubl
   im = a * sn + im * c;
 }
 
+// From this sub-length up a level gathers its sub-sequences before
+// recursing into them.
+constexpr int32_t kGatherFrom = 1 << 15;
+
+// g[j*m + i] = in[(i*r + j) * is]: the r decimated sub-sequences of a level,
+// one after another, in blocks of rows so that reads and writes stay in cache.
+void gather_decimated(const double* in, ptrdiff_t is, int32_t r, int32_t m, double* g) {
+  constexpr int32_t kRows = 16;
+  for (int32_t i0 = 0; i0 < m; i0 += kRows) {
+    const int32_t i1 = std::min(m, i0 + kRows);
+    for (int32_t j = 0; j < r; ++j) {
+      double* row = g + static_cast<ptrdiff_t>(j) * m;
+      for (int32_t i = i0; i < i1; ++i) row[i] = in[(static_cast<ptrdiff_t>(i) * r + j) * is];
+    }
+  }
+}
+
 // ---- complex path ------------------------------------------------------------
 
 int32_t cx_prime_leaf(const Level& lv, const double* ir, const double* ii, double* or_, double* oi, ptrdiff_t is,
                       ptrdiff_t os, ptrdiff_t idist, ptrdiff_t odist, int count) {
-  PrimeWork w(lv.r);
+  PrimeWork w(lv);
   if (!w.ok()) return kNoMemory;
-  for (int c = 0; c < count; ++c) {
-    for (int32_t j = 0; j < lv.r; ++j) {
-      w.xr()[j] = ir[c * idist + j * is];
-      w.xi()[j] = ii[c * idist + j * is];
-    }
-    if (int32_t rc = prime_dft(lv.stage, lv.kind, lv.r, w)) return rc;
-    for (int32_t q = 0; q < lv.r; ++q) {
-      or_[c * odist + q * os] = w.yr()[q];
-      oi[c * odist + q * os] = w.yi()[q];
-    }
+  const int32_t p = lv.r;
+  for (int c0 = 0; c0 < count; c0 += w.lanes()) {
+    const int B = std::min(w.lanes(), count - c0);
+    for (int32_t j = 0; j < p; ++j)
+      for (int b = 0; b < B; ++b) {
+        w.xr()[j * B + b] = ir[(c0 + b) * idist + j * is];
+        w.xi()[j * B + b] = ii[(c0 + b) * idist + j * is];
+      }
+    if (int32_t rc = prime_dft(lv, w, B)) return rc;
+    for (int32_t q = 0; q < p; ++q)
+      for (int b = 0; b < B; ++b) {
+        or_[(c0 + b) * odist + q * os] = w.yr()[q * B + b];
+        oi[(c0 + b) * odist + q * os] = w.yi()[q * B + b];
+      }
   }
   return kOk;
 }
 
 int32_t cx_prime_combine(const Level& lv, double* re, double* im, ptrdiff_t s, int32_t m) {
-  PrimeWork w(lv.r);
+  PrimeWork w(lv);
   if (!w.ok()) return kNoMemory;
+  const int32_t r = lv.r;
   const ptrdiff_t ms = m * s;
-  for (int32_t k = 0; k < m; ++k) {
-    for (int32_t t = 0; t < lv.r; ++t) {
-      double a = re[t * ms + k * s], b = im[t * ms + k * s];
-      if (k > 0 && t > 0) twiddle(lv.stage, lv.r, k, t, a, b);
-      w.xr()[t] = a;
-      w.xi()[t] = b;
-    }
-    if (int32_t rc = prime_dft(lv.stage, lv.kind, lv.r, w)) return rc;
-    for (int32_t q = 0; q < lv.r; ++q) {
-      re[q * ms + k * s] = w.yr()[q];
-      im[q * ms + k * s] = w.yi()[q];
-    }
+  for (int32_t k0 = 0; k0 < m; k0 += w.lanes()) {
+    const int B = std::min(w.lanes(), m - k0);
+    for (int32_t t = 0; t < r; ++t)
+      for (int b = 0; b < B; ++b) {
+        const int32_t k = k0 + b;
+        double x = re[t * ms + k * s], y = im[t * ms + k * s];
+        if (k > 0 && t > 0) twiddle(lv.stage, r, k, t, x, y);
+        w.xr()[t * B + b] = x;
+        w.xi()[t * B + b] = y;
+      }
+    if (int32_t rc = prime_dft(lv, w, B)) return rc;
+    for (int32_t q = 0; q < r; ++q)
+      for (int b = 0; b < B; ++b) {
+        re[q * ms + (k0 + b) * s] = w.yr()[q * B + b];
+        im[q * ms + (k0 + b) * s] = w.yi()[q * B + b];
+      }
   }
   return kOk;
 }
@@ -171,6 +209,14 @@ int32_t cx_level(const FFTTable* t, int k, const double* ir, const double* ii, d
   int32_t rc = kOk;
   if (k == F - 2) {
     rc = cx_leaf(t, F - 1, ir, ii, or_, oi, r * is, os, is, m * os, r);
+  } else if (L >= kGatherFrom) {
+    Scratch<double> g;
+    if (g.allocate(2 * static_cast<size_t>(L)) != kOk) return kNoMemory;
+    double *gr = g.data(), *gi = gr + L;
+    gather_decimated(ir, is, r, m, gr);
+    gather_decimated(ii, is, r, m, gi);
+    for (int32_t j = 0; j < r && rc == kOk; ++j)
+      rc = cx_level(t, k + 1, gr + j * m, gi + j * m, or_ + j * m * os, oi + j * m * os, 1, os, m);
   } else {
     for (int32_t j = 0; j < r && rc == kOk; ++j)
       rc = cx_level(t, k + 1, ir + j * is, ii + j * is, or_ + j * m * os, oi + j * m * os, r * is, os, m);
@@ -185,23 +231,53 @@ int32_t cx_level(const FFTTable* t, int k, const double* ir, const double* ii, d
 
 // ---- real path ---------------------------------------------------------------
 
-// Writes the DFT of a real sequence (in w.yr/yi) in the half-complex layout.
+// Writes the DFT of one real sequence (in w.yr/yi) in the half-complex layout.
 void store_half_complex(const PrimeWork& w, int32_t p, double* out, ptrdiff_t os) {
   for (int32_t q = 0; q <= p / 2; ++q) out[q * os] = w.yr()[q];
   for (int32_t q = 1; q < (p + 1) / 2; ++q) out[(p - q) * os] = w.yi()[q];
 }
 
+// Two real sequences run as one complex one, a + ib; the spectra part by
+// A[q] = (Z[q] + conj Z[p-q])/2 and B[q] = (Z[q] - conj Z[p-q])/2i. An odd
+// one out runs alone with a zero imaginary part.
 int32_t hc_prime_leaf(const Level& lv, const double* in, double* out, ptrdiff_t is, ptrdiff_t os, ptrdiff_t idist,
                       ptrdiff_t odist, int count) {
-  PrimeWork w(lv.r);
+  PrimeWork w(lv);
   if (!w.ok()) return kNoMemory;
-  for (int c = 0; c < count; ++c) {
-    for (int32_t j = 0; j < lv.r; ++j) {
+  const int32_t p = lv.r;
+  const int paired = count / 2;
+  for (int c0 = 0; c0 < paired; c0 += w.lanes()) {
+    const int B = std::min(w.lanes(), paired - c0);
+    for (int32_t j = 0; j < p; ++j)
+      for (int b = 0; b < B; ++b) {
+        w.xr()[j * B + b] = in[2 * (c0 + b) * idist + j * is];
+        w.xi()[j * B + b] = in[(2 * (c0 + b) + 1) * idist + j * is];
+      }
+    if (int32_t rc = prime_dft(lv, w, B)) return rc;
+    const double *zr = w.yr(), *zi = w.yi();
+    for (int b = 0; b < B; ++b) {
+      double* a = out + 2 * (c0 + b) * odist;
+      double* c = a + odist;
+      a[0] = zr[b];
+      c[0] = zi[b];
+      for (int32_t q = 1; q <= p / 2; ++q) {
+        const double ur = zr[q * B + b], ui = zi[q * B + b];
+        const double vr = zr[(p - q) * B + b], vi = zi[(p - q) * B + b];
+        a[q * os] = 0.5 * (ur + vr);
+        a[(p - q) * os] = 0.5 * (ui - vi);
+        c[q * os] = 0.5 * (ui + vi);
+        c[(p - q) * os] = 0.5 * (vr - ur);
+      }
+    }
+  }
+  if (count % 2) {
+    const int c = count - 1;
+    for (int32_t j = 0; j < p; ++j) {
       w.xr()[j] = in[c * idist + j * is];
       w.xi()[j] = 0;
     }
-    if (int32_t rc = prime_dft(lv.stage, lv.kind, lv.r, w)) return rc;
-    store_half_complex(w, lv.r, out + c * odist, os);
+    if (int32_t rc = prime_dft(lv, w, 1)) return rc;
+    store_half_complex(w, p, out + c * odist, os);
   }
   return kOk;
 }
@@ -210,35 +286,41 @@ int32_t hc_prime_leaf(const Level& lv, const double* in, double* out, ptrdiff_t 
 int32_t hc_prime_combine(const Level& lv, double* d, ptrdiff_t s, int32_t m) {
   const int32_t r = lv.r;
   const ptrdiff_t ms = m * s;
-  PrimeWork w(r);
+  PrimeWork w(lv);
   if (!w.ok()) return kNoMemory;
   // The DC terms of the blocks: a real DFT.
   for (int32_t t = 0; t < r; ++t) {
     w.xr()[t] = d[t * ms];
     w.xi()[t] = 0;
   }
-  if (int32_t rc = prime_dft(lv.stage, lv.kind, r, w)) return rc;
+  if (int32_t rc = prime_dft(lv, w, 1)) return rc;
   store_half_complex(w, r, d, ms);
   // Bins k and m-k of every block give bins k + qm of the whole.
-  for (int32_t k = 1; k < m - k; ++k) {
-    for (int32_t t = 0; t < r; ++t) {
-      double a = d[t * ms + k * s], b = d[t * ms + (m - k) * s];
-      if (t > 0) twiddle(lv.stage, r, k, t, a, b);
-      w.xr()[t] = a;
-      w.xi()[t] = b;
-    }
-    if (int32_t rc = prime_dft(lv.stage, lv.kind, r, w)) return rc;
-    for (int32_t q = 0; q < r; ++q) {
-      double* lo = d + q * ms + k * s;
-      double* hi = d + (r - 1 - q) * ms + (m - k) * s;
-      if (q <= (r - 1) / 2) {
-        *lo = w.yr()[q];
-        *hi = w.yi()[q];
-      } else {
-        *hi = w.yr()[q];
-        *lo = -w.yi()[q];
+  const int32_t pairs = (m - 1) / 2;
+  for (int32_t k0 = 1; k0 <= pairs; k0 += w.lanes()) {
+    const int B = std::min(w.lanes(), pairs - k0 + 1);
+    for (int32_t t = 0; t < r; ++t)
+      for (int b = 0; b < B; ++b) {
+        const int32_t k = k0 + b;
+        double x = d[t * ms + k * s], y = d[t * ms + (m - k) * s];
+        if (t > 0) twiddle(lv.stage, r, k, t, x, y);
+        w.xr()[t * B + b] = x;
+        w.xi()[t * B + b] = y;
       }
-    }
+    if (int32_t rc = prime_dft(lv, w, B)) return rc;
+    for (int32_t q = 0; q < r; ++q)
+      for (int b = 0; b < B; ++b) {
+        const int32_t k = k0 + b;
+        double* lo = d + q * ms + k * s;
+        double* hi = d + (r - 1 - q) * ms + (m - k) * s;
+        if (q <= (r - 1) / 2) {
+          *lo = w.yr()[q * B + b];
+          *hi = w.yi()[q * B + b];
+        } else {
+          *hi = w.yr()[q * B + b];
+          *lo = -w.yi()[q * B + b];
+        }
+      }
   }
   // For even m the real middle bins, rotated by e^(-i pi t/r).
   if (m % 2 == 0) {
@@ -249,7 +331,7 @@ int32_t hc_prime_combine(const Level& lv, double* d, ptrdiff_t s, int32_t m) {
       w.xr()[t] = a;
       w.xi()[t] = b;
     }
-    if (int32_t rc = prime_dft(lv.stage, lv.kind, r, w)) return rc;
+    if (int32_t rc = prime_dft(lv, w, 1)) return rc;
     for (int32_t q = 0; 2 * q + 1 <= r; ++q) {
       d[q * ms + k * s] = w.yr()[q];
       if (2 * q + 1 < r) d[(r - 1 - q) * ms + k * s] = w.yi()[q];
@@ -274,6 +356,15 @@ int32_t hc_level(const FFTTable* t, int k, const double* in, double* out, ptrdif
   int32_t rc = kOk;
   if (k == F - 2) {
     rc = hc_leaf(t, F - 1, in, out, r * is, os, is, m * os, r);
+  } else if (L >= kGatherFrom) {
+    // Sub-sequence j, read in place, would use one value of every cache
+    // line it touches; gathering all r of them in one sweep reads each line
+    // once and leaves every sub-sequence contiguous.
+    Scratch<double> g;
+    if (g.allocate(static_cast<size_t>(L)) != kOk) return kNoMemory;
+    gather_decimated(in, is, r, m, g.data());
+    for (int32_t j = 0; j < r && rc == kOk; ++j)
+      rc = hc_level(t, k + 1, g.data() + j * m, out + j * m * os, 1, os, m);
   } else {
     for (int32_t j = 0; j < r && rc == kOk; ++j)
       rc = hc_level(t, k + 1, in + j * is, out + j * m * os, r * is, os, m);

@@ -49,6 +49,12 @@ struct StageRecord {
   double* kernel_im;
   double* twiddle_cos_by_k;  // the twiddles again with i running fastest,
   double* twiddle_sin_by_k;  //   at i + (j-1)m, i = 0 .. m-1 (i = 0: 1 and 0)
+  // Rader, when p-1 itself needs Rader: the convolution runs zero-padded at
+  // a length M >= 2(p-1)-1 with only small factors instead.
+  FFTTable* padded;
+  int32_t padded_length;  // M, or 0 when the convolution runs at p-1
+  double* padded_kernel_re;  // the kernel wrapped to length M, transformed
+  double* padded_kernel_im;
 };
 
 struct FFTTable {

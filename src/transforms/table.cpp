@@ -126,6 +126,56 @@ int32_t primitive_root(int32_t p) {
   return 1;
 }
 
+// A convolution of length p-1 through Rader factors of its own nests
+// convolutions; one zero-padded to a length of small factors is cheaper.
+bool needs_padding(const FFTTable* sub) {
+  for (int i = 0; i < sub->factor_count; ++i)
+    if (sub->kinds[i] == kRader) return true;
+  return false;
+}
+
+// The smallest length of at least `least` whose factors are 2, 3, 5 and 7.
+uint32_t smooth_at_least(uint32_t least) {
+  uint64_t best = UINT64_MAX;
+  for (uint64_t a = 1; a < 2ull * least; a *= 2)
+    for (uint64_t b = a; b < 2ull * least; b *= 3)
+      for (uint64_t c = b; c < 2ull * least; c *= 5)
+        for (uint64_t d = c; d < 2ull * least; d *= 7)
+          if (d >= least && d < best) best = d;
+  return static_cast<uint32_t>(best);
+}
+
+// The kernel v (v[k] = vr[k] + i vi[k], k < N, scaled by 1/N) placed so that
+// a cyclic convolution of length M reproduces the one of length N on its
+// first N outputs: v[0 .. N-1] at the start, v[1 .. N-1] again at the end.
+bool setup_padded(StageRecord* s, const double* vr, const double* vi, int32_t N) {
+  const uint32_t M = smooth_at_least(2 * static_cast<uint32_t>(N) - 1);
+  if (M > INT32_MAX) return false;
+  s->padded_length = static_cast<int32_t>(M);
+  s->padded_kernel_re = zeroed<double>(M);
+  s->padded_kernel_im = zeroed<double>(M);
+  double* ur = zeroed<double>(M);
+  double* ui = zeroed<double>(M);
+  s->padded = find_or_build(M);
+  bool ok = s->padded_kernel_re && s->padded_kernel_im && ur && ui && s->padded;
+  if (ok) {
+    const double rescale = static_cast<double>(N) / M;
+    for (int32_t k = 0; k < N; ++k) {
+      ur[k] = vr[k] * rescale;
+      ui[k] = vi[k] * rescale;
+    }
+    for (int32_t k = 1; k < N; ++k) {
+      ur[M - N + k] = ur[k];
+      ui[M - N + k] = ui[k];
+    }
+    ok = ExecuteComplexFFT(s->padded, ur, ui, s->padded_kernel_re, s->padded_kernel_im, 1, 1,
+                           static_cast<int32_t>(M)) == kOk;
+  }
+  std::free(ur);
+  std::free(ui);
+  return ok;
+}
+
 bool setup_rader(StageRecord* s, int32_t p) {
   const int32_t N = p - 1;
   const int32_t g = primitive_root(p);
@@ -165,6 +215,7 @@ bool setup_rader(StageRecord* s, int32_t p) {
       vi[k] = wi[s->reverse_index[k + 1]] * scale;
     }
     ok = ExecuteComplexFFT(s->sub, vr, vi, s->kernel_re, s->kernel_im, 1, 1, N) == kOk;
+    if (ok && needs_padding(s->sub)) ok = setup_padded(s, vr, vi, N);
   }
   std::free(wr);
   std::free(wi);
@@ -182,6 +233,9 @@ void free_stage(StageRecord* s) {
   std::free(s->twiddle_cos_by_k);
   std::free(s->twiddle_sin_by_k);
   if (s->sub) release(s->sub);
+  if (s->padded) release(s->padded);
+  std::free(s->padded_kernel_re);
+  std::free(s->padded_kernel_im);
   std::free(s->forward_index);
   std::free(s->reverse_index);
   std::free(s->kernel_re);

@@ -207,6 +207,17 @@ TEST(FftEngine, TablesAreSharedAndCountedPerLength) {
   destroy_table(p);
   EXPECT_EQ(sub->references, 1);
   destroy_table(sub);
+
+  // 107: p-1 = 2*53 would nest Rader, so the convolution runs zero-padded
+  // at 216 = 2^3 3^3 (the least such length >= 2*106-1), again shared.
+  FFTTable* q = create_table(107);
+  FFTTable* padded = create_table(216);
+  EXPECT_EQ(q->stages[0]->padded_length, 216);
+  EXPECT_EQ(q->stages[0]->padded, padded);
+  EXPECT_EQ(padded->references, 2);
+  destroy_table(q);
+  EXPECT_EQ(padded->references, 1);
+  destroy_table(padded);
 }
 
 TEST(FftEngine, ExecutorsRejectAnotherLengthWithTheirOwnCodes) {
@@ -219,7 +230,7 @@ TEST(FftEngine, ExecutorsRejectAnotherLengthWithTheirOwnCodes) {
 }
 
 TEST(FftEngine, StridedInterleavedDataMatchesSplitData) {
-  for (int32_t n : {12, 30, 46, 53, 64, 97, 210, 1000, 1024, 4096}) {
+  for (int32_t n : {12, 30, 46, 53, 64, 97, 210, 1000, 1024, 4096, 100000}) {
     Table tab(n);
     const auto xr = random_values(n, 5), xi = random_values(n, 6);
     std::vector<double> inter(2 * n), out(2 * n), yr(n), yi(n), h(2 * n);
@@ -272,9 +283,11 @@ TEST(FftEngine, ThreadsShareTablesSafely) {
 namespace jq::fft {
 namespace baseline {
 const CodeletSet* find(int radix);
+PrimeBatch prime_batch_kernel();
 }
 namespace avx2 {
 const CodeletSet* find(int radix);
+PrimeBatch prime_batch_kernel();
 }
 }  // namespace jq::fft
 
@@ -331,4 +344,19 @@ TEST(FftEngine, InstructionSetVariantsAgreeBitForBit) {
       EXPECT_EQ(ap, bp) << "interleaved complex twiddle " << r << " m " << m;
     }
   }
+  // The generic prime butterfly, on whole vectors and tails.
+  for (int p : {23, 47})
+    for (int B : {1, 3, 8}) {
+      std::vector<double> cs(p), sn(p);
+      for (int k = 0; k < p; ++k) {
+        cs[k] = std::cos(6.283185307179586 * k / p);
+        sn[k] = std::sin(6.283185307179586 * k / p);
+      }
+      const auto xr = random_values(p * B, p + B), xi = random_values(p * B, p - B);
+      std::vector<double> ar(p * B), ai(p * B), br(p * B), bi(p * B);
+      avx2::prime_batch_kernel()(cs.data(), sn.data(), p, xr.data(), xi.data(), ar.data(), ai.data(), B);
+      baseline::prime_batch_kernel()(cs.data(), sn.data(), p, xr.data(), xi.data(), br.data(), bi.data(), B);
+      EXPECT_EQ(ar, br) << "generic prime " << p << " batch " << B;
+      EXPECT_EQ(ai, bi) << "generic prime " << p << " batch " << B;
+    }
 }
