@@ -112,6 +112,9 @@ void sig_zgebak(const char*, const char*, const I*, const I*, const I*, const do
 void sig_dgges(const char*, const char*, const char*, void*, const I*, double*, const I*, double*, const I*, I*,
                double*, double*, double*, double*, const I*, double*, const I*, double*, const I*, I*, I*);
 
+void sig_dtrexc(const char*, const I*, double*, const I*, double*, const I*, I*, I*, double*, I*);
+void sig_ztrexc(const char*, const I*, cdouble*, const I*, cdouble*, const I*, const I*, const I*, I*);
+
 // Per-type names of the operations written once for real and complex data.
 template <class T> struct Blas;
 

@@ -61,6 +61,32 @@ int32_t tridiagonal_solve(const double* dl, const double* d, const double* du, i
   return kOk;
 }
 
+int32_t tridiagonal_lu(const double* dl, const double* d, const double* du, int32_t n, double* l, double* m, double* u,
+                       double* u2, int32_t* pivots) {
+  if (int32_t rc = ready()) return rc;
+  Buffer<double> bl, bm, bu, bu2;
+  Scratch<I> ipiv;
+  const int32_t off = std::max(n - 1, 1);
+  if (bl.allocate(off) || bm.allocate(n) || bu.allocate(off) || bu2.allocate(std::max(n - 2, 1)) || ipiv.allocate(n))
+    return kNoMemory;
+  if (n > 1) {
+    std::memcpy(bl.data(), dl, sizeof(double) * (n - 1));
+    std::memcpy(bu.data(), du, sizeof(double) * (n - 1));
+  }
+  std::memcpy(bm.data(), d, sizeof(double) * n);
+  I info = 0;
+  JQ_CALL(dgttrf, &n, bl.data(), bm.data(), bu.data(), bu2.data(), ipiv.data(), &info);
+  if (n > 1) {
+    std::memcpy(l, bl.data(), sizeof(double) * (n - 1));
+    std::memcpy(u, bu.data(), sizeof(double) * (n - 1));
+  }
+  if (n > 2) std::memcpy(u2, bu2.data(), sizeof(double) * (n - 2));
+  std::memcpy(m, bm.data(), sizeof(double) * n);
+  for (int32_t i = 0; i < n; ++i) pivots[i] = ipiv[i] - 1;
+  // An exactly zero pivot: the factors stand, as for a dense LU.
+  return info > 0 ? kWarnSingularLU : kOk;
+}
+
 template <class T> bool is_symmetric(const T* a, int32_t n) {
   double big = 0;
   for (int64_t i = 0; i < int64_t{n} * n; ++i) big = std::max(big, std::abs(a[i]));
@@ -103,7 +129,9 @@ template <class T> int32_t hessenberg(const T* a, int32_t n, T* h, T* q) {
   return kOk;
 }
 
-template <class T> int32_t schur(const T* a, int32_t n, T* s, T* z) {
+template <class T> int32_t schur(const T* a, int32_t n, T* s, T* z) { return schur_moved(a, n, -1, -1, s, z); }
+
+template <class T> int32_t schur_moved(const T* a, int32_t n, int32_t from, int32_t to, T* s, T* z) {
   if (int32_t rc = ready()) return rc;
   Buffer<T> c, zc, w1, w2, work;
   Buffer<double> rwork;
@@ -127,6 +155,19 @@ template <class T> int32_t schur(const T* a, int32_t n, T* s, T* z) {
   if (work.allocate(lwork)) return kNoMemory;
   run(work.data(), &lwork);
   if (info > 0) return kNoConvergence;
+  if (from >= 0 && from != to) {
+    I first = from + 1, last = to + 1;
+    if constexpr (std::is_same_v<T, double>) {
+      // A 2x2 block moves whole; the work array holds one row.
+      if (work.allocate(n)) return kNoMemory;
+      JQ_CALL(dtrexc, "V", &n, c.data(), &n, zc.data(), &n, &first, &last, work.data(), &info);
+    } else {
+      JQ_CALL(ztrexc, "V", &n, c.data(), &n, zc.data(), &n, &first, &last, &info);
+    }
+    // A swap LAPACK rejects as too ill-conditioned leaves a form that is
+    // still valid but not the one asked for.
+    if (info > 0) return kNoConvergence;
+  }
   from_column_major(c.data(), n, n, n, s);
   from_column_major(zc.data(), n, n, n, z);
   return kOk;
@@ -266,6 +307,7 @@ int32_t qz(const double* a, const double* b, int32_t n, double* s, double* t, do
   template int32_t is_positive_definite(const T*, int32_t, bool, int32_t*);                   \
   template int32_t hessenberg(const T*, int32_t, T*, T*);                                     \
   template int32_t schur(const T*, int32_t, T*, T*);                                          \
+  template int32_t schur_moved(const T*, int32_t, int32_t, int32_t, T*, T*);                   \
   template int32_t characteristic_polynomial(const T*, int32_t, T*);                         \
   template int32_t sylvester(const T*, int32_t, const T*, int32_t, bool, const T*, T*);      \
   template int32_t band_solve(const T*, int32_t, int32_t, int32_t, const T*, int32_t, T*);     \

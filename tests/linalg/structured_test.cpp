@@ -360,3 +360,110 @@ TEST(Structured, GeneralizedSchur) {
 }
 
 }  // namespace
+
+namespace {
+
+// P L U rebuilt from the tridiagonal factors is the matrix; the pivots are
+// those LAPACK's own driver picks on this matrix (0-based).
+TEST(Structured, TridiagonalLUFactors) {
+  lt::NoBufferLeft guard;
+  jqrt::Array<double> dl{5, 2, 3, 1}, d{1, 5, 0.5, 7, 2}, du{-1, 0.5, 2, 4}, l, m, u, u2;
+  jqrt::Array<int32_t> p;
+  int32_t st;
+  TriDiagLU_head(dl.h(), d.h(), du.h(), l.h(), m.h(), u.h(), u2.h(), p.h(), &st);
+  EXPECT_EQ(st, 0);
+  ASSERT_EQ(u2.rows(), 3);
+  const int n = 5;
+  EXPECT_EQ(std::vector<int32_t>(p.data(), p.data() + n), (std::vector<int32_t>{1, 1, 3, 3, 4}));
+  double r[n][n] = {};
+  for (int i = 0; i < n; ++i) {
+    r[i][i] = m.data()[i];
+    if (i + 1 < n) r[i][i + 1] = u.data()[i];
+    if (i + 2 < n) r[i][i + 2] = u2.data()[i];
+  }
+  for (int i = n - 2; i >= 0; --i) {
+    for (int j = 0; j < n; ++j) r[i + 1][j] += l.data()[i] * r[i][j];
+    if (p.data()[i] == i + 1)
+      for (int j = 0; j < n; ++j) std::swap(r[i][j], r[i + 1][j]);
+  }
+  for (int i = 0; i < n; ++i)
+    for (int j = 0; j < n; ++j) {
+      const double want = j == i ? d.data()[i] : j == i + 1 ? du.data()[i] : j == i - 1 ? dl.data()[j] : 0.0;
+      EXPECT_NEAR(r[i][j], want, 1e-14) << i << "," << j;
+    }
+  // A zero first column: the warning, with the factors.
+  jqrt::Array<double> z1{0}, z2{0, 3}, one{1};
+  TriDiagLU_head(z1.h(), z2.h(), one.h(), l.h(), m.h(), u.h(), u2.h(), p.h(), &st);
+  EXPECT_EQ(st, 20003);
+  EXPECT_EQ(m.rows(), 2);
+  EXPECT_EQ(u2.rows(), 0);
+  jqrt::Array<double> bad{1, std::nan("")};
+  TriDiagLU_head(dl.h(), d.h(), bad.h(), l.h(), m.h(), u.h(), u2.h(), p.h(), &st);
+  EXPECT_EQ(st, -20002);
+  EXPECT_EQ(p.rows(), 0);
+}
+
+// Moving a diagonal block keeps A = Z S Z^H and carries its eigenvalue along.
+template <class T> void check_moved() {
+  lt::NoBufferLeft guard;
+  const int n = 6;
+  jqrt::Array2<T> a(n, n), s0, z0, s, z;
+  for (int i = 0; i < n * n; ++i) {
+    a.data()[i] = std::sin(1.7 * i + 0.3) + (i % (n + 1) == 0 ? 0.5 * i : 0.0);
+    if constexpr (std::is_same_v<T, cd>) a.data()[i] += cd(0, std::cos(0.9 * i));
+  }
+  constexpr bool cx = std::is_same_v<T, cd>;
+  int32_t st;
+  cx ? CxSchur_head(a.h(), s0.h(), z0.h(), &st) : Schur_head(a.h(), s0.h(), z0.h(), &st);
+  // The last diagonal element is a 1 x 1 block for this matrix in both forms.
+  ASSERT_EQ(s0.data()[(n - 1) * n + n - 2], T(0.0));
+  cx ? CxSchur80_head(a.h(), n - 1, 0, s.h(), z.h(), &st) : Schur80_head(a.h(), n - 1, 0, s.h(), z.h(), &st);
+  EXPECT_EQ(st, 0);
+  EXPECT_LT(residual(a, z, s), 1e-13);
+  EXPECT_NEAR(std::abs(s.data()[0] - s0.data()[n * n - 1]), 0.0, 1e-12);
+  EXPECT_EQ(s.data()[n], T(0.0));
+  for (int32_t from : {-1, n}) {
+    cx ? CxSchur80_head(a.h(), from, 0, s.h(), z.h(), &st) : Schur80_head(a.h(), from, 0, s.h(), z.h(), &st);
+    EXPECT_EQ(st, -20061);
+    EXPECT_EQ(s.rows() + z.rows(), 0);
+  }
+}
+
+TEST(Structured, ReorderedSchur) {
+  check_moved<double>();
+  check_moved<cd>();
+  // Positions are checked before the values.
+  auto a = jqrt::Array2<double>::rows({{1, std::nan("")}, {0, 1}});
+  jqrt::Array2<double> s, z;
+  int32_t st;
+  Schur80_head(a.h(), 0, 2, s.h(), z.h(), &st);
+  EXPECT_EQ(st, -20061);
+  Schur80_head(a.h(), 0, 1, s.h(), z.h(), &st);
+  EXPECT_EQ(st, -20068);
+}
+
+// A preallocated inverse is written without a resize: the call succeeds even
+// when every resize would fail. Another shape is resized.
+TEST(Structured, PreallocatedCholeskyInverse) {
+  auto a = jqrt::Array2<double>::rows({{4, 1, 0}, {1, 3, 1}, {0, 1, 2}});
+  jqrt::Array2<double> want, got(3, 3), other(2, 5);
+  int32_t st;
+  InvMatrixChoDri_head(a.h(), want.h(), &st);
+  {
+    jqrt::FailResize fail(1);
+    EXPECT_EQ(PreallocInvMatrixChoDri_H(a.h(), got.h(), &st), 0);
+  }
+  EXPECT_EQ(st, 0);
+  for (int i = 0; i < 9; ++i) EXPECT_EQ(got.data()[i], want.data()[i]);
+  PreallocInvMatrixChoDri_H(a.h(), other.h(), &st);
+  EXPECT_EQ(st, 0);
+  ASSERT_EQ(other.rows(), 3);
+  EXPECT_EQ(other.cols(), 3);
+  auto c = jqrt::Array2<cd>::rows({{cd(2, 0), cd(0, 1)}, {cd(0, -1), cd(-2, 0)}});
+  jqrt::Array2<cd> ci(2, 2);
+  CxPreallocInvMatrixChoDri_H(c.h(), ci.h(), &st);
+  EXPECT_EQ(st, -20071);
+  EXPECT_EQ(ci.rows(), 0);
+}
+
+}  // namespace
