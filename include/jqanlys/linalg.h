@@ -141,6 +141,13 @@ JQ_API int32_t CxSVDEx_head(JQ_IN JQMatC128 a, JQ_OUT JQMatC128 u, JQ_OUT JQMatF
 JQ_API int32_t SVDS_head(JQ_IN JQMatF64 a, JQ_OUT JQArrF64 s, JQ_OUT int32_t* status);
 JQ_API int32_t CxSVDS_head(JQ_IN JQMatC128 a, JQ_OUT JQArrF64 s, JQ_OUT int32_t* status);
 
+/* Generalized SVD of A (m x n) and B (p x n), with r the rank of [A; B]:
+ * A = U C X and B = V S X, U (m x m) and V (p x p) unitary, C (m x r) and
+ * S (p x r) real diagonal with C^T C + S^T S = I, X (r x n). Column counts
+ * differ: -20039; no convergence: -20062. */
+JQ_API int32_t GSVD_head(JQ_IN JQMatF64 a, JQ_IN JQMatF64 b, JQ_OUT JQMatF64 u, JQ_OUT JQMatF64 v, JQ_OUT JQMatF64 c, JQ_OUT JQMatF64 s, JQ_OUT JQMatF64 x, JQ_OUT int32_t* status);
+JQ_API int32_t CxGSVD_head(JQ_IN JQMatC128 a, JQ_IN JQMatC128 b, JQ_OUT JQMatC128 u, JQ_OUT JQMatC128 v, JQ_OUT JQMatF64 c, JQ_OUT JQMatF64 s, JQ_OUT JQMatC128 x, JQ_OUT int32_t* status);
+
 /* Eigenvalues and right eigenvectors (columns, unit 2-norm) of a general
  * matrix, complex for real input too; of a symmetric (Hermitian) matrix,
  * values ascending. No convergence: -20062. */

@@ -1129,6 +1129,40 @@ JQ_EXPORT int32_t CxBandEqsSetDriH(JQMatC128 a, int32_t kl, int32_t ku, JQMatC12
   return band_export<cdouble, 2>(a, kl, ku, b, x, status);
 }
 
+// ---- generalized singular values ----------------------------------------------------------
+
+namespace {
+
+template <class T>
+int32_t gsvd_export(Handle ha, Handle hb, Handle u, Handle v, Handle c, Handle s, Handle x, int32_t* status) {
+  clear(status);
+  Mat<T> a(ha), b(hb);
+  Out2<T> uo(u), vo(v), xo(x);
+  Out2<double> co(c), so(s);
+  Outputs out(uo, vo, co, so, xo);
+  if (a.empty() || b.empty()) return out.report(kEmptyInput, status);
+  if (a.cols() != b.cols()) return out.report(kIncompatibleDims, status);
+  if (non_finite(a) || non_finite(b)) return out.report(kNonFiniteMatrix, status);
+  const int32_t m = a.rows(), p = b.rows(), n = a.cols();
+  Gsvd<T> g;
+  if (int32_t code = g.factor(a.data(), m, b.data(), p, n)) return out.report(code, status);
+  const int32_t r = g.rank();
+  if (!out.size(uo, m, m) || !out.size(vo, p, p) || !out.size(co, m, r) || !out.size(so, p, r) || !out.size(xo, r, n))
+    return out.report(kNoMemory, status);
+  return out.report(g.write(uo.data(), vo.data(), co.data(), so.data(), xo.data()), status);
+}
+
+}  // namespace
+
+JQ_EXPORT int32_t GSVD_head(JQMatF64 a, JQMatF64 b, JQMatF64 u, JQMatF64 v, JQMatF64 c, JQMatF64 s, JQMatF64 x,
+                            int32_t* status) {
+  return gsvd_export<double>(a, b, u, v, c, s, x, status);
+}
+JQ_EXPORT int32_t CxGSVD_head(JQMatC128 a, JQMatC128 b, JQMatC128 u, JQMatC128 v, JQMatF64 c, JQMatF64 s, JQMatC128 x,
+                              int32_t* status) {
+  return gsvd_export<cdouble>(a, b, u, v, c, s, x, status);
+}
+
 // ---- balancing -----------------------------------------------------------------------------
 
 namespace {

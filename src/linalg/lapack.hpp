@@ -115,6 +115,13 @@ void sig_dgges(const char*, const char*, const char*, void*, const I*, double*, 
 void sig_dtrexc(const char*, const I*, double*, const I*, double*, const I*, I*, I*, double*, I*);
 void sig_ztrexc(const char*, const I*, cdouble*, const I*, cdouble*, const I*, const I*, const I*, I*);
 
+void sig_dggsvd(const char*, const char*, const char*, const I*, const I*, const I*, I*, I*, double*, const I*,
+                double*, const I*, double*, double*, double*, const I*, double*, const I*, double*, const I*, double*,
+                I*, I*);
+void sig_zggsvd(const char*, const char*, const char*, const I*, const I*, const I*, I*, I*, cdouble*, const I*,
+                cdouble*, const I*, double*, double*, cdouble*, const I*, cdouble*, const I*, cdouble*, const I*,
+                cdouble*, double*, I*, I*);
+
 // Per-type names of the operations written once for real and complex data.
 template <class T> struct Blas;
 
