@@ -1234,6 +1234,30 @@ JQ_EXPORT int32_t CxEigenVBack_head(JQMatC128 vectors, JQArrF64 scale, int32_t i
   return balance_back_export<cdouble>(vectors, scale, ilo, ihi, job, side, status);
 }
 
+namespace {
+// A square pencil: A square, then B of A's shape, then finiteness.
+int32_t pencil_checks(const Mat<double>& x, const Mat<double>& y) {
+  if (x.empty() || y.empty()) return kEmptyInput;
+  if (x.rows() != x.cols()) return kDimMismatch;
+  if (y.rows() != y.cols() || y.rows() != x.rows()) return kDimMismatch2;
+  return non_finite(x) || non_finite(y) ? kNonFiniteMatrix : kOk;
+}
+}  // namespace
+
+JQ_EXPORT int32_t GenEigenEx_head(JQMatF64 a, JQMatF64 b, JQArrC128 alpha, JQArrF64 beta, JQMatC128 vectors,
+                                  int32_t* status) {
+  clear(status);
+  Mat<double> x(a), y(b);
+  Out<cdouble> ao(alpha);
+  Out<double> bo(beta);
+  Out2<cdouble> vo(vectors);
+  Outputs out(ao, bo, vo);
+  if (int32_t code = pencil_checks(x, y)) return out.report(code, status);
+  const int32_t n = x.rows();
+  if (!out.size(ao, n) || !out.size(bo, n) || !out.size(vo, n, n)) return out.report(kNoMemory, status);
+  return out.report(generalized_eigen(x.data(), y.data(), n, ao.data(), bo.data(), vo.data()), status);
+}
+
 JQ_EXPORT int32_t QZ_head(JQMatF64 a, JQMatF64 b, JQMatF64 s, JQMatF64 t, JQMatF64 q, JQMatF64 z, JQArrC128 alpha,
                           JQArrF64 beta, int32_t* status) {
   clear(status);
@@ -1242,10 +1266,7 @@ JQ_EXPORT int32_t QZ_head(JQMatF64 a, JQMatF64 b, JQMatF64 s, JQMatF64 t, JQMatF
   Out<cdouble> ao(alpha);
   Out<double> bo(beta);
   Outputs out(so, to, qo, zo, ao, bo);
-  if (x.empty() || y.empty()) return out.report(kEmptyInput, status);
-  if (x.rows() != x.cols()) return out.report(kDimMismatch, status);
-  if (y.rows() != y.cols() || y.rows() != x.rows()) return out.report(kDimMismatch2, status);
-  if (non_finite(x) || non_finite(y)) return out.report(kNonFiniteMatrix, status);
+  if (int32_t code = pencil_checks(x, y)) return out.report(code, status);
   const int32_t n = x.rows();
   if (!out.size(so, n, n) || !out.size(to, n, n) || !out.size(qo, n, n) || !out.size(zo, n, n) || !out.size(ao, n) ||
       !out.size(bo, n))

@@ -122,6 +122,9 @@ void sig_zggsvd(const char*, const char*, const char*, const I*, const I*, const
                 cdouble*, const I*, double*, double*, cdouble*, const I*, cdouble*, const I*, cdouble*, const I*,
                 cdouble*, double*, I*, I*);
 
+void sig_dtgevc(const char*, const char*, const I*, const I*, const double*, const I*, const double*, const I*,
+                double*, const I*, double*, const I*, const I*, I*, double*, I*);
+
 // Per-type names of the operations written once for real and complex data.
 template <class T> struct Blas;
 

@@ -300,6 +300,41 @@ int32_t qz(const double* a, const double* b, int32_t n, double* s, double* t, do
   return kOk;
 }
 
+int32_t generalized_eigen(const double* a, const double* b, int32_t n, cdouble* alpha, double* beta, cdouble* v) {
+  if (int32_t rc = ready()) return rc;
+  const int64_t nn = int64_t{n} * n;
+  Buffer<double> ac, bc, zc, ar, ai, work;
+  Scratch<I> bwork;
+  if (to_column_major(a, n, n, ac, n) || to_column_major(b, n, n, bc, n) || zc.allocate(nn) || ar.allocate(n) ||
+      ai.allocate(n) || bwork.allocate(n))
+    return kNoMemory;
+  I sdim = 0, info = 0, used = 0;
+  const I minus1 = -1, one = 1;
+  double query = 0;
+  JQ_CALL(dgges, "N", "V", "N", nullptr, &n, ac.data(), &n, bc.data(), &n, &sdim, ar.data(), ai.data(), beta, nullptr,
+          &one, zc.data(), &n, &query, &minus1, bwork.data(), &info);
+  const I lwork = std::max(workspace(query), 6 * n);
+  if (work.allocate(lwork)) return kNoMemory;
+  JQ_CALL(dgges, "N", "V", "N", nullptr, &n, ac.data(), &n, bc.data(), &n, &sdim, ar.data(), ai.data(), beta, nullptr,
+          &one, zc.data(), &n, work.data(), &lwork, bwork.data(), &info);
+  if (info > 0) return kNoConvergence;
+  // Eigenvectors of the Schur pair, carried back through Z.
+  JQ_CALL(dtgevc, "R", "B", nullptr, &n, ac.data(), &n, bc.data(), &n, nullptr, &one, zc.data(), &n, &n, &used,
+          work.data(), &info);
+  if (info != 0) return kNoConvergence;
+  for (int32_t j = 0; j < n; ++j) alpha[j] = {ar[j], ai[j]};
+  unpack_pairs(zc.data(), ai.data(), n, v);
+  // Unit Euclidean length, as the ordinary eigenvectors.
+  for (int32_t j = 0; j < n; ++j) {
+    double norm = 0;
+    for (int32_t i = 0; i < n; ++i) norm += std::norm(v[static_cast<size_t>(i) * n + j]);
+    norm = std::sqrt(norm);
+    if (norm > 0)
+      for (int32_t i = 0; i < n; ++i) v[static_cast<size_t>(i) * n + j] /= norm;
+  }
+  return kOk;
+}
+
 #define JQ_INSTANTIATE(T)                                                                     \
   template int32_t lu_solve(const T*, const int32_t*, int32_t, const T*, T*);                 \
   template int32_t lu_inverse(const T*, const int32_t*, int32_t, T*);                         \

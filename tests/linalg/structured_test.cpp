@@ -1,6 +1,7 @@
 // Forms with freedoms (Hessenberg, Schur) by their invariants; solves from
 // given factors and tridiagonal systems against the dense solver; property
 // tests and the characteristic polynomial on matrices whose answers are known.
+#include <algorithm>
 #include <cmath>
 
 #include "jqanlys.h"
@@ -464,6 +465,45 @@ TEST(Structured, PreallocatedCholeskyInverse) {
   CxPreallocInvMatrixChoDri_H(c.h(), ci.h(), &st);
   EXPECT_EQ(st, -20071);
   EXPECT_EQ(ci.rows(), 0);
+}
+
+}  // namespace
+
+namespace {
+
+// beta A v = alpha B v for unit columns v; the eigenvalues are scipy's
+// (scipy.linalg.eig(a, b)) for a pencil with a complex pair.
+TEST(Structured, GeneralizedEigenvectors) {
+  lt::NoBufferLeft guard;
+  auto a = jqrt::Array2<double>::rows({{1, 2, 0}, {-3, 1, 4}, {2, 0, 1}});
+  auto b = jqrt::Array2<double>::rows({{2, 0, 1}, {1, 3, 0}, {0, 1, 4}});
+  jqrt::Array<cd> alpha;
+  jqrt::Array<double> beta;
+  jqrt::Array2<cd> v;
+  int32_t st;
+  GenEigenEx_head(a.h(), b.h(), alpha.h(), beta.h(), v.h(), &st);
+  EXPECT_EQ(st, 0);
+  ASSERT_EQ(v.rows(), 3);
+  std::vector<cd> got;
+  for (int j = 0; j < 3; ++j) {
+    got.push_back(alpha.data()[j] / beta.data()[j]);
+    double norm = 0;
+    for (int i = 0; i < 3; ++i) {
+      cd av = 0, bv = 0;
+      for (int k = 0; k < 3; ++k) av += a.data()[i * 3 + k] * v.data()[k * 3 + j], bv += b.data()[i * 3 + k] * v.data()[k * 3 + j];
+      EXPECT_NEAR(std::abs(beta.data()[j] * av - alpha.data()[j] * bv), 0, 1e-13);
+      norm += std::norm(v.data()[i * 3 + j]);
+    }
+    EXPECT_NEAR(norm, 1, 1e-14);
+  }
+  std::sort(got.begin(), got.end(), [](cd x, cd y) { return x.real() != y.real() ? x.real() < y.real() : x.imag() < y.imag(); });
+  const cd want[] = {{-0.30775711028452696, -1.1440121877037885}, {-0.30775711028452696, 1.1440121877037885}, {0.6555142205690538, 0}};
+  for (int j = 0; j < 3; ++j) EXPECT_NEAR(std::abs(got[j] - want[j]), 0, 1e-14);
+  // B of another shape is the second dimension check.
+  jqrt::Array2<double> small(2, 2);
+  GenEigenEx_head(a.h(), small.h(), alpha.h(), beta.h(), v.h(), &st);
+  EXPECT_EQ(st, -20070);
+  EXPECT_EQ(alpha.rows() + beta.rows() + v.rows(), 0);
 }
 
 }  // namespace
