@@ -1235,12 +1235,32 @@ JQ_EXPORT int32_t CxEigenVBack_head(JQMatC128 vectors, JQArrF64 scale, int32_t i
 }
 
 namespace {
-// A square pencil: A square, then B of A's shape, then finiteness.
-int32_t pencil_checks(const Mat<double>& x, const Mat<double>& y) {
+// A square pencil: A square, then B of A's shape, then the block positions
+// where there are some, then finiteness.
+int32_t pencil_checks(const Mat<double>& x, const Mat<double>& y, bool moves = false, int32_t from = 0, int32_t to = 0) {
   if (x.empty() || y.empty()) return kEmptyInput;
   if (x.rows() != x.cols()) return kDimMismatch;
   if (y.rows() != y.cols() || y.rows() != x.rows()) return kDimMismatch2;
+  if (moves && !positions_valid(x.rows(), from, to)) return kBadSelector;
   return non_finite(x) || non_finite(y) ? kNonFiniteMatrix : kOk;
+}
+
+int32_t qz_export(Handle a, Handle b, bool moves, int32_t from, int32_t to, Handle s, Handle t, Handle q, Handle z,
+                  Handle alpha, Handle beta, int32_t* status) {
+  clear(status);
+  Mat<double> x(a), y(b);
+  Out2<double> so(s), to_(t), qo(q), zo(z);
+  Out<cdouble> ao(alpha);
+  Out<double> bo(beta);
+  Outputs out(so, to_, qo, zo, ao, bo);
+  if (int32_t code = pencil_checks(x, y, moves, from, to)) return out.report(code, status);
+  const int32_t n = x.rows();
+  if (!out.size(so, n, n) || !out.size(to_, n, n) || !out.size(qo, n, n) || !out.size(zo, n, n) || !out.size(ao, n) ||
+      !out.size(bo, n))
+    return out.report(kNoMemory, status);
+  return out.report(qz_moved(x.data(), y.data(), n, moves ? from : -1, to, so.data(), to_.data(), qo.data(), zo.data(),
+                             ao.data(), bo.data()),
+                    status);
 }
 }  // namespace
 
@@ -1260,16 +1280,9 @@ JQ_EXPORT int32_t GenEigenEx_head(JQMatF64 a, JQMatF64 b, JQArrC128 alpha, JQArr
 
 JQ_EXPORT int32_t QZ_head(JQMatF64 a, JQMatF64 b, JQMatF64 s, JQMatF64 t, JQMatF64 q, JQMatF64 z, JQArrC128 alpha,
                           JQArrF64 beta, int32_t* status) {
-  clear(status);
-  Mat<double> x(a), y(b);
-  Out2<double> so(s), to(t), qo(q), zo(z);
-  Out<cdouble> ao(alpha);
-  Out<double> bo(beta);
-  Outputs out(so, to, qo, zo, ao, bo);
-  if (int32_t code = pencil_checks(x, y)) return out.report(code, status);
-  const int32_t n = x.rows();
-  if (!out.size(so, n, n) || !out.size(to, n, n) || !out.size(qo, n, n) || !out.size(zo, n, n) || !out.size(ao, n) ||
-      !out.size(bo, n))
-    return out.report(kNoMemory, status);
-  return out.report(qz(x.data(), y.data(), n, so.data(), to.data(), qo.data(), zo.data(), ao.data(), bo.data()), status);
+  return qz_export(a, b, false, 0, 0, s, t, q, z, alpha, beta, status);
+}
+JQ_EXPORT int32_t QZ80_head(JQMatF64 a, JQMatF64 b, int32_t from, int32_t to, JQMatF64 s, JQMatF64 t, JQMatF64 q,
+                            JQMatF64 z, JQArrC128 alpha, JQArrF64 beta, int32_t* status) {
+  return qz_export(a, b, true, from, to, s, t, q, z, alpha, beta, status);
 }

@@ -125,6 +125,9 @@ void sig_zggsvd(const char*, const char*, const char*, const I*, const I*, const
 void sig_dtgevc(const char*, const char*, const I*, const I*, const double*, const I*, const double*, const I*,
                 double*, const I*, double*, const I*, const I*, I*, double*, I*);
 
+void sig_dtgexc(const I*, const I*, const I*, double*, const I*, double*, const I*, double*, const I*, double*,
+                const I*, I*, I*, double*, const I*, I*);
+
 // Per-type names of the operations written once for real and complex data.
 template <class T> struct Blas;
 

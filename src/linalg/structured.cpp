@@ -275,6 +275,11 @@ int32_t balance_back(T* v, int32_t n, int32_t m, const double* scale, int32_t il
 
 int32_t qz(const double* a, const double* b, int32_t n, double* s, double* t, double* q, double* z, cdouble* alpha,
            double* beta) {
+  return qz_moved(a, b, n, -1, -1, s, t, q, z, alpha, beta);
+}
+
+int32_t qz_moved(const double* a, const double* b, int32_t n, int32_t from, int32_t to, double* s, double* t, double* q,
+                 double* z, cdouble* alpha, double* beta) {
   if (int32_t rc = ready()) return rc;
   const int64_t nn = int64_t{n} * n;
   Buffer<double> ac, bc, qc, zc, ar, ai, work;
@@ -293,6 +298,24 @@ int32_t qz(const double* a, const double* b, int32_t n, double* s, double* t, do
           qc.data(), &n, zc.data(), &n, work.data(), &lwork, bwork.data(), &info);
   if (info > 0) return kNoConvergence;
   for (int32_t j = 0; j < n; ++j) alpha[j] = {ar[j], ai[j]};
+  if (from >= 0 && from != to) {
+    I first = from + 1, last = to + 1;
+    const I yes = 1, need = std::max(workspace(query), 4 * n + 16);
+    if (need > lwork && work.allocate(need)) return kNoMemory;
+    JQ_CALL(dtgexc, &yes, &yes, &n, ac.data(), &n, bc.data(), &n, qc.data(), &n, zc.data(), &n, &first, &last,
+            work.data(), &need, &info);
+    if (info != 0) return kNoConvergence;
+    // The block keeps its eigenvalues: move its (alpha, beta) pairs the way
+    // the block moved (LAPACK reports both positions as block starts).
+    const int32_t f = first - 1, l = last - 1, size = ai[f] != 0 ? 2 : 1;
+    if (f < l) {
+      std::rotate(alpha + f, alpha + f + size, alpha + l + size);
+      std::rotate(beta + f, beta + f + size, beta + l + size);
+    } else if (f > l) {
+      std::rotate(alpha + l, alpha + f, alpha + f + size);
+      std::rotate(beta + l, beta + f, beta + f + size);
+    }
+  }
   from_column_major(ac.data(), n, n, n, s);
   from_column_major(bc.data(), n, n, n, t);
   from_column_major(qc.data(), n, n, n, q);

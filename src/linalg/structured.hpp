@@ -69,5 +69,9 @@ int32_t balance_back(T* v, int32_t n, int32_t m, const double* scale, int32_t il
 int32_t generalized_eigen(const double* a, const double* b, int32_t n, cdouble* alpha, double* beta, cdouble* v);
 int32_t qz(const double* a, const double* b, int32_t n, double* s, double* t, double* q, double* z, cdouble* alpha,
            double* beta);
+// The same with the diagonal block at `from` moved to `to` (0-based; from < 0
+// moves nothing); kNoConvergence when a swap is refused.
+int32_t qz_moved(const double* a, const double* b, int32_t n, int32_t from, int32_t to, double* s, double* t, double* q,
+                 double* z, cdouble* alpha, double* beta);
 
 }  // namespace jq::linalg

@@ -507,3 +507,41 @@ TEST(Structured, GeneralizedEigenvectors) {
 }
 
 }  // namespace
+
+namespace {
+
+// Moving a block of the generalized Schur form keeps A = Q S Z^T and
+// B = Q T Z^T and carries its eigenvalue; 1 x 1 blocks agree with the
+// reported alpha / beta wherever they end up.
+TEST(Structured, ReorderedGeneralizedSchur) {
+  lt::NoBufferLeft guard;
+  auto a = jqrt::Array2<double>::rows({{4, 1, 0, 2}, {1, -3, 1, 0}, {0, 2, 1, 1}, {1, 0, 1, 6}});
+  auto b = jqrt::Array2<double>::rows({{2, 0, 1, 0}, {1, 3, 0, 0}, {0, 1, 4, 1}, {0, 0, 1, 2}});
+  jqrt::Array2<double> s0, t0, q0, z0, s, t, q, z;
+  jqrt::Array<cd> alpha0, alpha;
+  jqrt::Array<double> beta0, beta;
+  int32_t st;
+  const int n = 4;
+  QZ_head(a.h(), b.h(), s0.h(), t0.h(), q0.h(), z0.h(), alpha0.h(), beta0.h(), &st);
+  ASSERT_EQ(st, 0);
+  QZ80_head(a.h(), b.h(), n - 1, 0, s.h(), t.h(), q.h(), z.h(), alpha.h(), beta.h(), &st);
+  ASSERT_EQ(st, 0);
+  for (auto [m, f] : {std::pair{&a, &s}, std::pair{&b, &t}}) {
+    auto qf = mul(q.data(), f->data(), n, n, n);
+    std::vector<double> zt(n * n);
+    for (int i = 0; i < n; ++i)
+      for (int j = 0; j < n; ++j) zt[i * n + j] = z.data()[j * n + i];
+    auto r = mul(qf.data(), zt.data(), n, n, n);
+    for (int i = 0; i < n * n; ++i) EXPECT_NEAR(r[i], m->data()[i], 1e-13);
+  }
+  ASSERT_EQ(alpha0.data()[n - 1].imag(), 0.0) << "the last block should be 1 x 1";
+  EXPECT_NEAR(s.data()[0] / t.data()[0], alpha0.data()[n - 1].real() / beta0.data()[n - 1], 1e-12);
+  for (int j = 0; j < n; ++j)
+    if (alpha.data()[j].imag() == 0 && (j + 1 == n || s.data()[(j + 1) * n + j] == 0) && (j == 0 || s.data()[j * n + j - 1] == 0))
+      EXPECT_NEAR(alpha.data()[j].real() / beta.data()[j], s.data()[j * n + j] / t.data()[j * n + j], 1e-12) << j;
+  QZ80_head(a.h(), b.h(), 0, n, s.h(), t.h(), q.h(), z.h(), alpha.h(), beta.h(), &st);
+  EXPECT_EQ(st, -20061);
+  EXPECT_EQ(s.rows() + alpha.rows(), 0);
+}
+
+}  // namespace
