@@ -39,24 +39,38 @@ template <class T> int32_t lu_inverse(const T* lu, const int32_t* pivots, int32_
   return kOk;
 }
 
+namespace {
+
+// dgttrf on copies of the three diagonals; info > 0 on an exactly zero pivot.
+struct TridiagonalFactors {
+  Buffer<double> l, m, u, u2;
+  Scratch<I> ipiv;
+  I info = 0;
+  int32_t factor(const double* dl, const double* d, const double* du, int32_t n) {
+    const int32_t off = std::max(n - 1, 1);
+    if (l.allocate(off) || m.allocate(n) || u.allocate(off) || u2.allocate(std::max(n - 2, 1)) || ipiv.allocate(n))
+      return kNoMemory;
+    if (n > 1) {
+      std::memcpy(l.data(), dl, sizeof(double) * (n - 1));
+      std::memcpy(u.data(), du, sizeof(double) * (n - 1));
+    }
+    std::memcpy(m.data(), d, sizeof(double) * n);
+    JQ_CALL(dgttrf, &n, l.data(), m.data(), u.data(), u2.data(), ipiv.data(), &info);
+    return kOk;
+  }
+};
+
+}  // namespace
+
 int32_t tridiagonal_solve(const double* dl, const double* d, const double* du, int32_t n, const double* b, int32_t k,
                           double* x) {
   if (int32_t rc = ready()) return rc;
-  Buffer<double> l, m, u, u2, bc;
-  Scratch<I> ipiv;
-  const int32_t off = std::max(n - 1, 1);
-  if (l.allocate(off) || m.allocate(n) || u.allocate(off) || u2.allocate(std::max(n - 2, 1)) || ipiv.allocate(n) ||
-      to_column_major(b, n, k, bc, n))
-    return kNoMemory;
-  if (n > 1) {
-    std::memcpy(l.data(), dl, sizeof(double) * (n - 1));
-    std::memcpy(u.data(), du, sizeof(double) * (n - 1));
-  }
-  std::memcpy(m.data(), d, sizeof(double) * n);
+  TridiagonalFactors f;
+  Buffer<double> bc;
+  if (to_column_major(b, n, k, bc, n) || f.factor(dl, d, du, n)) return kNoMemory;
+  if (f.info > 0) return kSingular;
   I info = 0;
-  JQ_CALL(dgttrf, &n, l.data(), m.data(), u.data(), u2.data(), ipiv.data(), &info);
-  if (info > 0) return kSingular;
-  JQ_CALL(dgttrs, "N", &n, &k, l.data(), m.data(), u.data(), u2.data(), ipiv.data(), bc.data(), &n, &info);
+  JQ_CALL(dgttrs, "N", &n, &k, f.l.data(), f.m.data(), f.u.data(), f.u2.data(), f.ipiv.data(), bc.data(), &n, &info);
   from_column_major(bc.data(), n, n, k, x);
   return kOk;
 }
@@ -64,27 +78,17 @@ int32_t tridiagonal_solve(const double* dl, const double* d, const double* du, i
 int32_t tridiagonal_lu(const double* dl, const double* d, const double* du, int32_t n, double* l, double* m, double* u,
                        double* u2, int32_t* pivots) {
   if (int32_t rc = ready()) return rc;
-  Buffer<double> bl, bm, bu, bu2;
-  Scratch<I> ipiv;
-  const int32_t off = std::max(n - 1, 1);
-  if (bl.allocate(off) || bm.allocate(n) || bu.allocate(off) || bu2.allocate(std::max(n - 2, 1)) || ipiv.allocate(n))
-    return kNoMemory;
+  TridiagonalFactors f;
+  if (f.factor(dl, d, du, n)) return kNoMemory;
   if (n > 1) {
-    std::memcpy(bl.data(), dl, sizeof(double) * (n - 1));
-    std::memcpy(bu.data(), du, sizeof(double) * (n - 1));
+    std::memcpy(l, f.l.data(), sizeof(double) * (n - 1));
+    std::memcpy(u, f.u.data(), sizeof(double) * (n - 1));
   }
-  std::memcpy(bm.data(), d, sizeof(double) * n);
-  I info = 0;
-  JQ_CALL(dgttrf, &n, bl.data(), bm.data(), bu.data(), bu2.data(), ipiv.data(), &info);
-  if (n > 1) {
-    std::memcpy(l, bl.data(), sizeof(double) * (n - 1));
-    std::memcpy(u, bu.data(), sizeof(double) * (n - 1));
-  }
-  if (n > 2) std::memcpy(u2, bu2.data(), sizeof(double) * (n - 2));
-  std::memcpy(m, bm.data(), sizeof(double) * n);
-  for (int32_t i = 0; i < n; ++i) pivots[i] = ipiv[i] - 1;
+  if (n > 2) std::memcpy(u2, f.u2.data(), sizeof(double) * (n - 2));
+  std::memcpy(m, f.m.data(), sizeof(double) * n);
+  for (int32_t i = 0; i < n; ++i) pivots[i] = f.ipiv[i] - 1;
   // An exactly zero pivot: the factors stand, as for a dense LU.
-  return info > 0 ? kWarnSingularLU : kOk;
+  return f.info > 0 ? kWarnSingularLU : kOk;
 }
 
 template <class T> bool is_symmetric(const T* a, int32_t n) {

@@ -326,7 +326,22 @@ TEST(Structured, BalanceAndBack) {
 
 namespace {
 
-// A = Q S Z^T and B = Q T Z^T; alpha / beta are the eigenvalues of B^-1 A.
+using M2 = jqrt::Array2<double>;
+
+// A = Q S Z^T and B = Q T Z^T.
+void expect_pencil(const M2& a, const M2& b, const M2& s, const M2& t, const M2& q, const M2& z) {
+  const int n = a.rows();
+  for (auto [m, f] : {std::pair{&a, &s}, std::pair{&b, &t}}) {
+    auto qf = mul(q.data(), f->data(), n, n, n);
+    std::vector<double> zt(n * n);
+    for (int i = 0; i < n; ++i)
+      for (int j = 0; j < n; ++j) zt[i * n + j] = z.data()[j * n + i];
+    auto r = mul(qf.data(), zt.data(), n, n, n);
+    for (int i = 0; i < n * n; ++i) EXPECT_NEAR(r[i], m->data()[i], 1e-13);
+  }
+}
+
+// The pencil's Schur form; alpha / beta are the eigenvalues of B^-1 A.
 TEST(Structured, GeneralizedSchur) {
   auto a = jqrt::Array2<double>::rows({{1, 2, 0}, {-3, 1, 4}, {2, 0, 1}});
   auto b = jqrt::Array2<double>::rows({{2, 0, 1}, {1, 3, 0}, {0, 1, 4}});
@@ -337,14 +352,7 @@ TEST(Structured, GeneralizedSchur) {
   QZ_head(a.h(), b.h(), s.h(), t.h(), q.h(), z.h(), alpha.h(), beta.h(), &st);
   EXPECT_EQ(st, 0);
   ASSERT_EQ(beta.rows(), 3);
-  for (auto [m, f] : {std::pair{&a, &s}, std::pair{&b, &t}}) {
-    auto qf = mul(q.data(), f->data(), 3, 3, 3);
-    std::vector<double> zt(9);
-    for (int i = 0; i < 3; ++i)
-      for (int j = 0; j < 3; ++j) zt[i * 3 + j] = z.data()[j * 3 + i];
-    auto r = mul(qf.data(), zt.data(), 3, 3, 3);
-    for (int i = 0; i < 9; ++i) EXPECT_NEAR(r[i], m->data()[i], 1e-13);
-  }
+  expect_pencil(a, b, s, t, q, z);
   for (int i = 1; i < 3; ++i) EXPECT_EQ(t.data()[i * 3 + i - 1], 0.0);
   // det(A - lambda B) = 0 for each generalized eigenvalue.
   for (int k = 0; k < 3; ++k) {
@@ -526,14 +534,7 @@ TEST(Structured, ReorderedGeneralizedSchur) {
   ASSERT_EQ(st, 0);
   QZ80_head(a.h(), b.h(), n - 1, 0, s.h(), t.h(), q.h(), z.h(), alpha.h(), beta.h(), &st);
   ASSERT_EQ(st, 0);
-  for (auto [m, f] : {std::pair{&a, &s}, std::pair{&b, &t}}) {
-    auto qf = mul(q.data(), f->data(), n, n, n);
-    std::vector<double> zt(n * n);
-    for (int i = 0; i < n; ++i)
-      for (int j = 0; j < n; ++j) zt[i * n + j] = z.data()[j * n + i];
-    auto r = mul(qf.data(), zt.data(), n, n, n);
-    for (int i = 0; i < n * n; ++i) EXPECT_NEAR(r[i], m->data()[i], 1e-13);
-  }
+  expect_pencil(a, b, s, t, q, z);
   ASSERT_EQ(alpha0.data()[n - 1].imag(), 0.0) << "the last block should be 1 x 1";
   EXPECT_NEAR(s.data()[0] / t.data()[0], alpha0.data()[n - 1].real() / beta0.data()[n - 1], 1e-12);
   for (int j = 0; j < n; ++j)
