@@ -301,9 +301,11 @@ JQ_API int32_t QZ_head(JQ_IN JQMatF64 a, JQ_IN JQMatF64 b, JQ_OUT JQMatF64 s, JQ
  * row `to` (0-based; a 2 x 2 block moves whole; outside the matrix: -20061;
  * a swap too ill-conditioned to make: -20062). */
 JQ_API int32_t QZ80_head(JQ_IN JQMatF64 a, JQ_IN JQMatF64 b, int32_t from, int32_t to, JQ_OUT JQMatF64 s, JQ_OUT JQMatF64 t, JQ_OUT JQMatF64 q, JQ_OUT JQMatF64 z, JQ_OUT JQArrC128 alpha, JQ_OUT JQArrF64 beta, JQ_OUT int32_t* status);
-/* Generalized eigenvalues alpha / beta (beta 0: infinite) of A x = lambda B x
- * and the right eigenvectors as unit-length columns. */
+/* Generalized eigenvalues alpha / beta (beta real, not negative; 0:
+ * infinite) of A x = lambda B x and the right eigenvectors as unit-length
+ * columns. */
 JQ_API int32_t GenEigenEx_head(JQ_IN JQMatF64 a, JQ_IN JQMatF64 b, JQ_OUT JQArrC128 alpha, JQ_OUT JQArrF64 beta, JQ_OUT JQMatC128 vectors, JQ_OUT int32_t* status);
+JQ_API int32_t CxGenEigenEx_head(JQ_IN JQMatC128 a, JQ_IN JQMatC128 b, JQ_OUT JQArrC128 alpha, JQ_OUT JQArrF64 beta, JQ_OUT JQMatC128 vectors, JQ_OUT int32_t* status);
 
 #ifdef __cplusplus
 }

@@ -1237,7 +1237,8 @@ JQ_EXPORT int32_t CxEigenVBack_head(JQMatC128 vectors, JQArrF64 scale, int32_t i
 namespace {
 // A square pencil: A square, then B of A's shape, then the block positions
 // where there are some, then finiteness.
-int32_t pencil_checks(const Mat<double>& x, const Mat<double>& y, bool moves = false, int32_t from = 0, int32_t to = 0) {
+template <class T>
+int32_t pencil_checks(const Mat<T>& x, const Mat<T>& y, bool moves = false, int32_t from = 0, int32_t to = 0) {
   if (x.empty() || y.empty()) return kEmptyInput;
   if (x.rows() != x.cols()) return kDimMismatch;
   if (y.rows() != y.cols() || y.rows() != x.rows()) return kDimMismatch2;
@@ -1262,12 +1263,10 @@ int32_t qz_export(Handle a, Handle b, bool moves, int32_t from, int32_t to, Hand
                              ao.data(), bo.data()),
                     status);
 }
-}  // namespace
 
-JQ_EXPORT int32_t GenEigenEx_head(JQMatF64 a, JQMatF64 b, JQArrC128 alpha, JQArrF64 beta, JQMatC128 vectors,
-                                  int32_t* status) {
+template <class T> int32_t generalized_eigen_export(Handle a, Handle b, Handle alpha, Handle beta, Handle vectors, int32_t* status) {
   clear(status);
-  Mat<double> x(a), y(b);
+  Mat<T> x(a), y(b);
   Out<cdouble> ao(alpha);
   Out<double> bo(beta);
   Out2<cdouble> vo(vectors);
@@ -1276,6 +1275,16 @@ JQ_EXPORT int32_t GenEigenEx_head(JQMatF64 a, JQMatF64 b, JQArrC128 alpha, JQArr
   const int32_t n = x.rows();
   if (!out.size(ao, n) || !out.size(bo, n) || !out.size(vo, n, n)) return out.report(kNoMemory, status);
   return out.report(generalized_eigen(x.data(), y.data(), n, ao.data(), bo.data(), vo.data()), status);
+}
+}  // namespace
+
+JQ_EXPORT int32_t GenEigenEx_head(JQMatF64 a, JQMatF64 b, JQArrC128 alpha, JQArrF64 beta, JQMatC128 vectors,
+                                  int32_t* status) {
+  return generalized_eigen_export<double>(a, b, alpha, beta, vectors, status);
+}
+JQ_EXPORT int32_t CxGenEigenEx_head(JQMatC128 a, JQMatC128 b, JQArrC128 alpha, JQArrF64 beta, JQMatC128 vectors,
+                                    int32_t* status) {
+  return generalized_eigen_export<cdouble>(a, b, alpha, beta, vectors, status);
 }
 
 JQ_EXPORT int32_t QZ_head(JQMatF64 a, JQMatF64 b, JQMatF64 s, JQMatF64 t, JQMatF64 q, JQMatF64 z, JQArrC128 alpha,

@@ -128,6 +128,13 @@ void sig_dtgevc(const char*, const char*, const I*, const I*, const double*, con
 void sig_dtgexc(const I*, const I*, const I*, double*, const I*, double*, const I*, double*, const I*, double*,
                 const I*, I*, I*, double*, const I*, I*);
 
+void sig_zgghrd(const char*, const char*, const I*, const I*, const I*, cdouble*, const I*, cdouble*, const I*,
+                cdouble*, const I*, cdouble*, const I*, I*);
+void sig_zhgeqz(const char*, const char*, const char*, const I*, const I*, const I*, cdouble*, const I*, cdouble*,
+                const I*, cdouble*, cdouble*, cdouble*, const I*, cdouble*, const I*, cdouble*, const I*, double*, I*);
+void sig_ztgevc(const char*, const char*, const I*, const I*, const cdouble*, const I*, const cdouble*, const I*,
+                cdouble*, const I*, cdouble*, const I*, const I*, I*, cdouble*, double*, I*);
+
 // Per-type names of the operations written once for real and complex data.
 template <class T> struct Blas;
 

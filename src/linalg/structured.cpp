@@ -362,6 +362,69 @@ int32_t generalized_eigen(const double* a, const double* b, int32_t n, cdouble* 
   return kOk;
 }
 
+// The module has no complex QZ driver, so the steps are taken one by one:
+// B P = Q R with column pivoting, the pencil (Q^H A P, R) to Hessenberg-
+// triangular form, QZ iteration, eigenvectors carried back through Z, and
+// P undone on their rows.
+int32_t generalized_eigen(const cdouble* a, const cdouble* b, int32_t n, cdouble* alpha, double* beta, cdouble* v) {
+  if (int32_t rc = ready()) return rc;
+  const int64_t nn = int64_t{n} * n;
+  Buffer<cdouble> ac, bc, qc, h, zc, tau, bet, work;
+  Buffer<double> rwork;
+  Scratch<I> jpvt;
+  if (to_column_major(a, n, n, ac, n) || to_column_major(b, n, n, bc, n) || qc.allocate(nn) || h.allocate(nn) ||
+      zc.allocate(nn) || tau.allocate(n) || bet.allocate(n) || rwork.allocate(int64_t{2} * n) || jpvt.allocate(n))
+    return kNoMemory;
+  I info = 0;
+  const I minus1 = -1, one = 1;
+  cdouble query = 0.0;
+  for (int32_t j = 0; j < n; ++j) jpvt[j] = 0;
+  Blas<cdouble>::geqp3(n, n, bc.data(), n, jpvt.data(), tau.data(), &query, -1, rwork.data(), &info);
+  I lwork = std::max(workspace(query), 2 * n);
+  Blas<cdouble>::orgqr(n, n, n, qc.data(), n, tau.data(), &query, -1, &info);
+  lwork = std::max(lwork, workspace(query));
+  if (work.allocate(lwork)) return kNoMemory;
+  Blas<cdouble>::geqp3(n, n, bc.data(), n, jpvt.data(), tau.data(), work.data(), lwork, rwork.data(), &info);
+  std::memcpy(static_cast<void*>(qc.data()), bc.data(), sizeof(cdouble) * nn);
+  Blas<cdouble>::orgqr(n, n, n, qc.data(), n, tau.data(), work.data(), lwork, &info);
+  for (int32_t j = 0; j < n; ++j)
+    for (int32_t i = j + 1; i < n; ++i) bc[static_cast<size_t>(j) * n + i] = 0.0;
+  // zc holds A P for the moment, then Q^H A P goes to h.
+  for (int32_t j = 0; j < n; ++j)
+    std::memcpy(static_cast<void*>(zc.data() + static_cast<size_t>(j) * n), ac.data() + static_cast<size_t>(jpvt[j] - 1) * n,
+                sizeof(cdouble) * n);
+  const cdouble c1 = 1.0, c0 = 0.0;
+  JQ_CALL(cblas_zgemm, kColMajor, kConjTrans, kNoTrans, n, n, n, &c1, qc.data(), n, zc.data(), n, &c0, h.data(), n);
+  JQ_CALL(zgghrd, "N", "I", &n, &one, &n, h.data(), &n, bc.data(), &n, nullptr, &one, zc.data(), &n, &info);
+  JQ_CALL(zhgeqz, "S", "N", "V", &n, &one, &n, h.data(), &n, bc.data(), &n, alpha, bet.data(), nullptr, &one,
+          zc.data(), &n, &query, &minus1, rwork.data(), &info);
+  const I lwork2 = workspace(query);
+  if (lwork2 > lwork && work.allocate(lwork2)) return kNoMemory;
+  JQ_CALL(zhgeqz, "S", "N", "V", &n, &one, &n, h.data(), &n, bc.data(), &n, alpha, bet.data(), nullptr, &one,
+          zc.data(), &n, work.data(), &lwork2, rwork.data(), &info);
+  if (info != 0) return kNoConvergence;
+  I used = 0;
+  if (lwork < 2 * n && work.allocate(2 * n)) return kNoMemory;
+  JQ_CALL(ztgevc, "R", "B", nullptr, &n, h.data(), &n, bc.data(), &n, nullptr, &one, zc.data(), &n, &n, &used,
+          work.data(), rwork.data(), &info);
+  if (info != 0) return kNoConvergence;
+  // beta real and non-negative, alpha turned with it.
+  for (int32_t j = 0; j < n; ++j) {
+    const double m = std::abs(bet[j]);
+    const cdouble phase = m > 0 ? std::conj(bet[j]) / m : cdouble(1.0);
+    alpha[j] *= phase;
+    beta[j] = m;
+  }
+  for (int32_t j = 0; j < n; ++j) {
+    const cdouble* y = zc.data() + static_cast<size_t>(j) * n;
+    double norm = 0;
+    for (int32_t i = 0; i < n; ++i) norm += std::norm(y[i]);
+    norm = norm > 0 ? std::sqrt(norm) : 1.0;
+    for (int32_t i = 0; i < n; ++i) v[static_cast<size_t>(jpvt[i] - 1) * n + j] = y[i] / norm;
+  }
+  return kOk;
+}
+
 #define JQ_INSTANTIATE(T)                                                                     \
   template int32_t lu_solve(const T*, const int32_t*, int32_t, const T*, T*);                 \
   template int32_t lu_inverse(const T*, const int32_t*, int32_t, T*);                         \

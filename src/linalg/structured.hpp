@@ -67,6 +67,7 @@ int32_t balance_back(T* v, int32_t n, int32_t m, const double* scale, int32_t il
 // Generalized eigenvalues alpha / beta of A x = lambda B x and the right
 // eigenvectors (columns, unit length), through the real Schur pair.
 int32_t generalized_eigen(const double* a, const double* b, int32_t n, cdouble* alpha, double* beta, cdouble* v);
+int32_t generalized_eigen(const cdouble* a, const cdouble* b, int32_t n, cdouble* alpha, double* beta, cdouble* v);
 int32_t qz(const double* a, const double* b, int32_t n, double* s, double* t, double* q, double* z, cdouble* alpha,
            double* beta);
 // The same with the diagonal block at `from` moved to `to` (0-based; from < 0

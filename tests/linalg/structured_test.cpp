@@ -478,31 +478,47 @@ TEST(Structured, PreallocatedCholeskyInverse) {
 
 namespace {
 
-// beta A v = alpha B v for unit columns v; the eigenvalues are scipy's
-// (scipy.linalg.eig(a, b)) for a pencil with a complex pair.
-TEST(Structured, GeneralizedEigenvectors) {
+// beta A v = alpha B v for unit columns v, beta not negative.
+template <class T> std::vector<cd> check_pencil(const jqrt::Array2<T>& a, const jqrt::Array2<T>& b) {
   lt::NoBufferLeft guard;
-  auto a = jqrt::Array2<double>::rows({{1, 2, 0}, {-3, 1, 4}, {2, 0, 1}});
-  auto b = jqrt::Array2<double>::rows({{2, 0, 1}, {1, 3, 0}, {0, 1, 4}});
+  const int n = a.rows();
   jqrt::Array<cd> alpha;
   jqrt::Array<double> beta;
   jqrt::Array2<cd> v;
   int32_t st;
-  GenEigenEx_head(a.h(), b.h(), alpha.h(), beta.h(), v.h(), &st);
+  if constexpr (std::is_same_v<T, cd>)
+    CxGenEigenEx_head(a.h(), b.h(), alpha.h(), beta.h(), v.h(), &st);
+  else
+    GenEigenEx_head(a.h(), b.h(), alpha.h(), beta.h(), v.h(), &st);
   EXPECT_EQ(st, 0);
-  ASSERT_EQ(v.rows(), 3);
   std::vector<cd> got;
-  for (int j = 0; j < 3; ++j) {
+  if (v.rows() != n) return got;
+  for (int j = 0; j < n; ++j) {
     got.push_back(alpha.data()[j] / beta.data()[j]);
+    EXPECT_GE(beta.data()[j], 0.0);
     double norm = 0;
-    for (int i = 0; i < 3; ++i) {
+    for (int i = 0; i < n; ++i) {
       cd av = 0, bv = 0;
-      for (int k = 0; k < 3; ++k) av += a.data()[i * 3 + k] * v.data()[k * 3 + j], bv += b.data()[i * 3 + k] * v.data()[k * 3 + j];
-      EXPECT_NEAR(std::abs(beta.data()[j] * av - alpha.data()[j] * bv), 0, 1e-13);
-      norm += std::norm(v.data()[i * 3 + j]);
+      for (int k = 0; k < n; ++k) av += a.data()[i * n + k] * v.data()[k * n + j], bv += b.data()[i * n + k] * v.data()[k * n + j];
+      EXPECT_NEAR(std::abs(beta.data()[j] * av - alpha.data()[j] * bv), 0, 1e-13) << j;
+      norm += std::norm(v.data()[i * n + j]);
     }
     EXPECT_NEAR(norm, 1, 1e-14);
   }
+  return got;
+}
+
+// Real and complex pencils, one with a singular B (an infinite eigenvalue);
+// the real one's eigenvalues are scipy's (scipy.linalg.eig(a, b)).
+TEST(Structured, GeneralizedEigenvectors) {
+  auto a = jqrt::Array2<double>::rows({{1, 2, 0}, {-3, 1, 4}, {2, 0, 1}});
+  auto b = jqrt::Array2<double>::rows({{2, 0, 1}, {1, 3, 0}, {0, 1, 4}});
+  std::vector<cd> got = check_pencil(a, b);
+  auto ca = jqrt::Array2<cd>::rows({{cd(1, 1), cd(2, 0), cd(0, -1)}, {cd(-3, 0), cd(1, 2), cd(4, 0)}, {cd(2, 1), cd(0, 0), cd(1, -1)}});
+  auto cb = jqrt::Array2<cd>::rows({{cd(2, 0), cd(0, 1), cd(1, 0)}, {cd(0, 0), cd(0, 0), cd(0, 0)}, {cd(0, 1), cd(3, 0), cd(0, 2)}});
+  check_pencil(ca, cb);
+  cb.data()[4] = cd(1, -1);
+  check_pencil(ca, cb);
   // Each of scipy's eigenvalues is among ours (the pair's real parts may
   // differ in the last bit, so no sort decides the order).
   const cd want[] = {{-0.30775711028452696, -1.1440121877037885}, {-0.30775711028452696, 1.1440121877037885}, {0.6555142205690538, 0}};
@@ -513,6 +529,10 @@ TEST(Structured, GeneralizedEigenvectors) {
   }
   // B of another shape is the second dimension check.
   jqrt::Array2<double> small(2, 2);
+  jqrt::Array<cd> alpha;
+  jqrt::Array<double> beta;
+  jqrt::Array2<cd> v;
+  int32_t st;
   GenEigenEx_head(a.h(), small.h(), alpha.h(), beta.h(), v.h(), &st);
   EXPECT_EQ(st, -20070);
   EXPECT_EQ(alpha.rows() + beta.rows() + v.rows(), 0);
