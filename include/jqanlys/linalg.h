@@ -116,6 +116,10 @@ JQ_API int32_t FullCholesky_head(JQ_IN JQMatF64 a, JQ_OUT JQMatF64 l, JQ_OUT int
 JQ_API int32_t CxFullCholesky_head(JQ_IN JQMatC128 a, JQ_OUT JQMatC128 l, JQ_OUT int32_t* status);
 JQ_API int32_t InvMatrixChoDri_head(JQ_IN JQMatF64 a, JQ_OUT JQMatF64 inverse, JQ_OUT int32_t* status);
 JQ_API int32_t CxInvMatrixChoDri_head(JQ_IN JQMatC128 a, JQ_OUT JQMatC128 inverse, JQ_OUT int32_t* status);
+/* The Prealloc form writes into an inverse that already holds n x n
+ * elements without resizing it (other shapes are resized). */
+JQ_API int32_t PreallocInvMatrixChoDri_H(JQ_IN JQMatF64 a, JQ_INOUT JQMatF64 inverse, JQ_OUT int32_t* status);
+JQ_API int32_t CxPreallocInvMatrixChoDri_H(JQ_IN JQMatC128 a, JQ_INOUT JQMatC128 inverse, JQ_OUT int32_t* status);
 JQ_API int32_t InvMatrixTriDri_head(JQ_IN JQMatF64 a, int32_t type, JQ_OUT JQMatF64 inverse, JQ_OUT int32_t* status);
 JQ_API int32_t CxInvMatrixTriDri_head(JQ_IN JQMatC128 a, int32_t type, JQ_OUT JQMatC128 inverse, JQ_OUT int32_t* status);
 
@@ -136,6 +140,13 @@ JQ_API int32_t SVDEx_head(JQ_IN JQMatF64 a, JQ_OUT JQMatF64 u, JQ_OUT JQMatF64 s
 JQ_API int32_t CxSVDEx_head(JQ_IN JQMatC128 a, JQ_OUT JQMatC128 u, JQ_OUT JQMatF64 s, JQ_OUT JQMatC128 v, JQ_OUT int32_t* status);
 JQ_API int32_t SVDS_head(JQ_IN JQMatF64 a, JQ_OUT JQArrF64 s, JQ_OUT int32_t* status);
 JQ_API int32_t CxSVDS_head(JQ_IN JQMatC128 a, JQ_OUT JQArrF64 s, JQ_OUT int32_t* status);
+
+/* Generalized SVD of A (m x n) and B (p x n), with r the rank of [A; B]:
+ * A = U C X and B = V S X, U (m x m) and V (p x p) unitary, C (m x r) and
+ * S (p x r) real diagonal with C^T C + S^T S = I, X (r x n). Column counts
+ * differ: -20039; no convergence: -20062. */
+JQ_API int32_t GSVD_head(JQ_IN JQMatF64 a, JQ_IN JQMatF64 b, JQ_OUT JQMatF64 u, JQ_OUT JQMatF64 v, JQ_OUT JQMatF64 c, JQ_OUT JQMatF64 s, JQ_OUT JQMatF64 x, JQ_OUT int32_t* status);
+JQ_API int32_t CxGSVD_head(JQ_IN JQMatC128 a, JQ_IN JQMatC128 b, JQ_OUT JQMatC128 u, JQ_OUT JQMatC128 v, JQ_OUT JQMatF64 c, JQ_OUT JQMatF64 s, JQ_OUT JQMatC128 x, JQ_OUT int32_t* status);
 
 /* Eigenvalues and right eigenvectors (columns, unit 2-norm) of a general
  * matrix, complex for real input too; of a symmetric (Hermitian) matrix,
@@ -181,6 +192,10 @@ JQ_API int32_t CxLUInvMatrix_head(JQ_IN JQMatC128 lu, JQ_IN JQArrI32 pivots, JQ_
  * (n - 1); a vector or a matrix of right-hand sides. */
 JQ_API int32_t TriDiagEqsByLU_head(JQ_IN JQArrF64 sub, JQ_IN JQArrF64 diag, JQ_IN JQArrF64 super, JQ_IN JQArrF64 b, JQ_OUT JQArrF64 x, JQ_OUT int32_t* status);
 JQ_API int32_t TriDiagEqsSetByLU_head(JQ_IN JQArrF64 sub, JQ_IN JQArrF64 diag, JQ_IN JQArrF64 super, JQ_IN JQMatF64 b, JQ_OUT JQMatF64 x, JQ_OUT int32_t* status);
+/* Tridiagonal LU with partial pivoting: multipliers l (n - 1), U's diagonal
+ * d (n), its first and second superdiagonals u (n - 1) and u2 (n - 2),
+ * 0-based pivots (n); an exactly zero pivot gives the warning 20003. */
+JQ_API int32_t TriDiagLU_head(JQ_IN JQArrF64 sub, JQ_IN JQArrF64 diag, JQ_IN JQArrF64 super, JQ_OUT JQArrF64 l, JQ_OUT JQArrF64 d, JQ_OUT JQArrF64 u, JQ_OUT JQArrF64 u2, JQ_OUT JQArrI32 pivots, JQ_OUT int32_t* status);
 
 /* Property tests of a square matrix: result 1 or 0 (-1 on an error).
  * Symmetric (Hermitian) within n * eps * the largest magnitude; positive
@@ -200,6 +215,11 @@ JQ_API int32_t Hessenberg_head(JQ_IN JQMatF64 a, JQ_OUT JQMatF64 h, JQ_OUT JQMat
 JQ_API int32_t CxHessenberg_head(JQ_IN JQMatC128 a, JQ_OUT JQMatC128 h, JQ_OUT JQMatC128 q, JQ_OUT int32_t* status);
 JQ_API int32_t Schur_head(JQ_IN JQMatF64 a, JQ_OUT JQMatF64 s, JQ_OUT JQMatF64 z, JQ_OUT int32_t* status);
 JQ_API int32_t CxSchur_head(JQ_IN JQMatC128 a, JQ_OUT JQMatC128 s, JQ_OUT JQMatC128 z, JQ_OUT int32_t* status);
+/* Schur form with the diagonal block at row `from` moved to row `to`
+ * (0-based; a 2 x 2 block moves whole; outside the matrix: -20061; a swap
+ * too ill-conditioned to make: -20062). */
+JQ_API int32_t Schur80_head(JQ_IN JQMatF64 a, int32_t from, int32_t to, JQ_OUT JQMatF64 s, JQ_OUT JQMatF64 z, JQ_OUT int32_t* status);
+JQ_API int32_t CxSchur80_head(JQ_IN JQMatC128 a, int32_t from, int32_t to, JQ_OUT JQMatC128 s, JQ_OUT JQMatC128 z, JQ_OUT int32_t* status);
 JQ_API int32_t MatrixCharacteristicPoly_head(JQ_IN JQMatF64 a, JQ_OUT JQArrF64 coefficients, JQ_OUT int32_t* status);
 JQ_API int32_t CxMatrixCharacteristicPoly_head(JQ_IN JQMatC128 a, JQ_OUT JQArrC128 coefficients, JQ_OUT int32_t* status);
 
@@ -277,6 +297,15 @@ JQ_API int32_t CxEigenVBack_head(JQ_INOUT JQMatC128 vectors, JQ_IN JQArrF64 scal
  * B = Q T Z^T (S quasi upper triangular, T upper triangular); the
  * generalized eigenvalues are alpha / beta. B of another size: -20070. */
 JQ_API int32_t QZ_head(JQ_IN JQMatF64 a, JQ_IN JQMatF64 b, JQ_OUT JQMatF64 s, JQ_OUT JQMatF64 t, JQ_OUT JQMatF64 q, JQ_OUT JQMatF64 z, JQ_OUT JQArrC128 alpha, JQ_OUT JQArrF64 beta, JQ_OUT int32_t* status);
+/* The generalized Schur form with the diagonal block at row `from` moved to
+ * row `to` (0-based; a 2 x 2 block moves whole; outside the matrix: -20061;
+ * a swap too ill-conditioned to make: -20062). */
+JQ_API int32_t QZ80_head(JQ_IN JQMatF64 a, JQ_IN JQMatF64 b, int32_t from, int32_t to, JQ_OUT JQMatF64 s, JQ_OUT JQMatF64 t, JQ_OUT JQMatF64 q, JQ_OUT JQMatF64 z, JQ_OUT JQArrC128 alpha, JQ_OUT JQArrF64 beta, JQ_OUT int32_t* status);
+/* Generalized eigenvalues alpha / beta (beta real, not negative; 0:
+ * infinite) of A x = lambda B x and the right eigenvectors as unit-length
+ * columns. */
+JQ_API int32_t GenEigenEx_head(JQ_IN JQMatF64 a, JQ_IN JQMatF64 b, JQ_OUT JQArrC128 alpha, JQ_OUT JQArrF64 beta, JQ_OUT JQMatC128 vectors, JQ_OUT int32_t* status);
+JQ_API int32_t CxGenEigenEx_head(JQ_IN JQMatC128 a, JQ_IN JQMatC128 b, JQ_OUT JQArrC128 alpha, JQ_OUT JQArrF64 beta, JQ_OUT JQMatC128 vectors, JQ_OUT int32_t* status);
 
 #ifdef __cplusplus
 }

@@ -53,10 +53,13 @@ template <class T> struct Scalar;
 template <> struct Scalar<double> { using type = double; };
 template <> struct Scalar<cdouble> { using type = JQComplex; };
 
-// Square-matrix inputs: empty, then not square, then non-finite.
-template <class T> int32_t square_checks(const Mat<T>& a) {
+// Square-matrix inputs: empty, then not square, then the selectors (given
+// the order), then non-finite.
+template <class T> int32_t square_checks(const Mat<T>& a, bool selectors_valid(int32_t, int32_t, int32_t) = nullptr,
+                                         int32_t s1 = 0, int32_t s2 = 0) {
   if (a.empty()) return kEmptyInput;
   if (a.rows() != a.cols()) return kDimMismatch;
+  if (selectors_valid && !selectors_valid(a.rows(), s1, s2)) return kBadSelector;
   return non_finite(a) ? kNonFiniteMatrix : kOk;
 }
 
@@ -417,6 +420,19 @@ template <class T, class F> int32_t square_to_square(Handle m, Handle r, int32_t
   return out.report(compute(a.data(), a.rows(), res.data()), status);
 }
 
+// The caller's output already holds n x n elements and is written in place;
+// any other shape is resized as usual.
+template <class T> int32_t prealloc_inverse_export(Handle m, Handle inv, int32_t* status) {
+  clear(status);
+  Mat<T> a(m), given(inv);
+  Out2<T> res(inv);
+  Outputs out(res);
+  if (int32_t code = square_checks(a)) return out.report(code, status);
+  const int32_t n = a.rows();
+  if ((given.rows() != n || given.cols() != n) && !out.size(res, n, n)) return out.report(kNoMemory, status);
+  return out.report(inverse_cholesky(a.data(), n, res.data()), status);
+}
+
 template <class T> int32_t triangular_inverse_export(Handle m, int32_t type, Handle r, int32_t* status) {
   clear(status);
   Mat<T> a(m);
@@ -566,6 +582,12 @@ JQ_EXPORT int32_t InvMatrixChoDri_head(JQMatF64 a, JQMatF64 inverse, int32_t* st
 JQ_EXPORT int32_t CxInvMatrixChoDri_head(JQMatC128 a, JQMatC128 inverse, int32_t* status) {
   return square_to_square<cdouble>(a, inverse, status, inverse_cholesky<cdouble>);
 }
+JQ_EXPORT int32_t PreallocInvMatrixChoDri_H(JQMatF64 a, JQMatF64 inverse, int32_t* status) {
+  return prealloc_inverse_export<double>(a, inverse, status);
+}
+JQ_EXPORT int32_t CxPreallocInvMatrixChoDri_H(JQMatC128 a, JQMatC128 inverse, int32_t* status) {
+  return prealloc_inverse_export<cdouble>(a, inverse, status);
+}
 JQ_EXPORT int32_t InvMatrixTriDri_head(JQMatF64 a, int32_t type, JQMatF64 inverse, int32_t* status) {
   return triangular_inverse_export<double>(a, type, inverse, status);
 }
@@ -702,19 +724,48 @@ template <class T> int32_t lu_inverse_export(Handle lu, Handle piv, Handle inv, 
   });
 }
 
+// The three diagonals, with the right-hand sides where there are some (b
+// null: none): empty, then lengths, then finiteness.
+struct Tridiagonal {
+  Array1<const double> dl, d, du;
+  int32_t n;
+  Tridiagonal(Handle sub, Handle diag, Handle super) : dl(sub), d(diag), du(super), n(d.size()) {}
+  int32_t checks(const double* b, int32_t rows, int32_t k) const {
+    if (d.empty() || rows < 1 || k < 1 || (n > 1 && (dl.empty() || du.empty()))) return kEmptyInput;
+    if ((n > 1 && (dl.size() != n - 1 || du.size() != n - 1)) || rows != n) return kLengthMismatch;
+    if (has_non_finite(d.data(), n) || (n > 1 && (non_finite(dl) || non_finite(du))) || (b && has_non_finite(b, count(n, k))))
+      return kNonFiniteMatrix;
+    return kOk;
+  }
+};
+
 template <int Dims> int32_t tridiagonal_export(Handle sub, Handle diag, Handle super, Handle rhs, Handle x, int32_t* status) {
   clear(status);
-  Array1<const double> dl(sub), d(diag), du(super);
+  Tridiagonal t(sub, diag, super);
   Rhs<double, Dims> b(rhs);
   Out<double, Dims> res(x);
   Outputs out(res);
-  const int32_t n = d.size();
-  if (d.empty() || b.rows < 1 || b.k < 1 || (n > 1 && (dl.empty() || du.empty()))) return out.report(kEmptyInput, status);
-  if ((n > 1 && (dl.size() != n - 1 || du.size() != n - 1)) || b.rows != n) return out.report(kLengthMismatch, status);
-  if (has_non_finite(d.data(), n) || (n > 1 && (non_finite(dl) || non_finite(du))) || has_non_finite(b.data, count(n, b.k)))
-    return out.report(kNonFiniteMatrix, status);
+  const int32_t n = t.n;
+  if (int32_t code = t.checks(b.data, b.rows, b.k)) return out.report(code, status);
   if (!size_solution(out, res, n, b.k)) return out.report(kNoMemory, status);
-  return out.report(tridiagonal_solve(dl.data(), d.data(), du.data(), n, b.data, b.k, res.data()), status);
+  return out.report(tridiagonal_solve(t.dl.data(), t.d.data(), t.du.data(), n, b.data, b.k, res.data()), status);
+}
+
+int32_t tridiagonal_lu_export(Handle sub, Handle diag, Handle super, Handle l, Handle d, Handle u, Handle u2,
+                              Handle pivots, int32_t* status) {
+  clear(status);
+  Tridiagonal t(sub, diag, super);
+  Out<double> lo(l), mo(d), uo(u), u2o(u2);
+  Out<int32_t> po(pivots);
+  Outputs out(lo, mo, uo, u2o, po);
+  const int32_t n = t.n;
+  if (int32_t code = t.checks(nullptr, n, 1)) return out.report(code, status);
+  if (!out.size(lo, std::max(n - 1, 0)) || !out.size(mo, n) || !out.size(uo, std::max(n - 1, 0)) ||
+      !out.size(u2o, std::max(n - 2, 0)) || !out.size(po, n))
+    return out.report(kNoMemory, status);
+  return out.report(
+      tridiagonal_lu(t.dl.data(), t.d.data(), t.du.data(), n, lo.data(), mo.data(), uo.data(), u2o.data(), po.data()),
+      status);
 }
 
 // Property tests: 1 or 0 in the result, -1 on an error.
@@ -732,12 +783,14 @@ template <class T> int32_t property_export(Handle m, int kind, int32_t* result, 
 }
 
 // Two square outputs of one square matrix (Hessenberg, Schur).
-template <class T, class F> int32_t two_forms_export(Handle m, Handle f1, Handle f2, int32_t* status, F compute) {
+template <class T, class F>
+int32_t two_forms_export(Handle m, Handle f1, Handle f2, int32_t* status, F compute,
+                         bool selectors_valid(int32_t, int32_t, int32_t) = nullptr, int32_t s1 = 0, int32_t s2 = 0) {
   clear(status);
   Mat<T> a(m);
   Out2<T> o1(f1), o2(f2);
   Outputs out(o1, o2);
-  if (int32_t code = square_checks(a)) return out.report(code, status);
+  if (int32_t code = square_checks(a, selectors_valid, s1, s2)) return out.report(code, status);
   const int32_t n = a.rows();
   if (!out.size(o1, n, n) || !out.size(o2, n, n)) return out.report(kNoMemory, status);
   return out.report(compute(a.data(), n, o1.data(), o2.data()), status);
@@ -770,6 +823,10 @@ JQ_EXPORT int32_t CxLUInvMatrix_head(JQMatC128 lu, JQArrI32 pivots, JQMatC128 in
 JQ_EXPORT int32_t TriDiagEqsByLU_head(JQArrF64 sub, JQArrF64 diag, JQArrF64 super, JQArrF64 b, JQArrF64 x, int32_t* status) {
   return tridiagonal_export<1>(sub, diag, super, b, x, status);
 }
+JQ_EXPORT int32_t TriDiagLU_head(JQArrF64 sub, JQArrF64 diag, JQArrF64 super, JQArrF64 l, JQArrF64 d, JQArrF64 u,
+                                 JQArrF64 u2, JQArrI32 pivots, int32_t* status) {
+  return tridiagonal_lu_export(sub, diag, super, l, d, u, u2, pivots, status);
+}
 JQ_EXPORT int32_t TriDiagEqsSetByLU_head(JQArrF64 sub, JQArrF64 diag, JQArrF64 super, JQMatF64 b, JQMatF64 x, int32_t* status) {
   return tridiagonal_export<2>(sub, diag, super, b, x, status);
 }
@@ -796,6 +853,21 @@ JQ_EXPORT int32_t Schur_head(JQMatF64 a, JQMatF64 s, JQMatF64 z, int32_t* status
 }
 JQ_EXPORT int32_t CxSchur_head(JQMatC128 a, JQMatC128 s, JQMatC128 z, int32_t* status) {
   return two_forms_export<cdouble>(a, s, z, status, schur<cdouble>);
+}
+namespace {
+// Both block positions lie on the diagonal.
+bool positions_valid(int32_t n, int32_t from, int32_t to) { return from >= 0 && from < n && to >= 0 && to < n; }
+}  // namespace
+JQ_EXPORT int32_t Schur80_head(JQMatF64 a, int32_t from, int32_t to, JQMatF64 s, JQMatF64 z, int32_t* status) {
+  return two_forms_export<double>(
+      a, s, z, status, [=](const double* x, int32_t n, double* so, double* zo) { return schur_moved(x, n, from, to, so, zo); },
+      positions_valid, from, to);
+}
+JQ_EXPORT int32_t CxSchur80_head(JQMatC128 a, int32_t from, int32_t to, JQMatC128 s, JQMatC128 z, int32_t* status) {
+  return two_forms_export<cdouble>(
+      a, s, z, status,
+      [=](const cdouble* x, int32_t n, cdouble* so, cdouble* zo) { return schur_moved(x, n, from, to, so, zo); },
+      positions_valid, from, to);
 }
 JQ_EXPORT int32_t MatrixCharacteristicPoly_head(JQMatF64 a, JQArrF64 coefficients, int32_t* status) {
   return char_poly_export<double>(a, coefficients, status);
@@ -1057,6 +1129,40 @@ JQ_EXPORT int32_t CxBandEqsSetDriH(JQMatC128 a, int32_t kl, int32_t ku, JQMatC12
   return band_export<cdouble, 2>(a, kl, ku, b, x, status);
 }
 
+// ---- generalized singular values ----------------------------------------------------------
+
+namespace {
+
+template <class T>
+int32_t gsvd_export(Handle ha, Handle hb, Handle u, Handle v, Handle c, Handle s, Handle x, int32_t* status) {
+  clear(status);
+  Mat<T> a(ha), b(hb);
+  Out2<T> uo(u), vo(v), xo(x);
+  Out2<double> co(c), so(s);
+  Outputs out(uo, vo, co, so, xo);
+  if (a.empty() || b.empty()) return out.report(kEmptyInput, status);
+  if (a.cols() != b.cols()) return out.report(kIncompatibleDims, status);
+  if (non_finite(a) || non_finite(b)) return out.report(kNonFiniteMatrix, status);
+  const int32_t m = a.rows(), p = b.rows(), n = a.cols();
+  Gsvd<T> g;
+  if (int32_t code = g.factor(a.data(), m, b.data(), p, n)) return out.report(code, status);
+  const int32_t r = g.rank();
+  if (!out.size(uo, m, m) || !out.size(vo, p, p) || !out.size(co, m, r) || !out.size(so, p, r) || !out.size(xo, r, n))
+    return out.report(kNoMemory, status);
+  return out.report(g.write(uo.data(), vo.data(), co.data(), so.data(), xo.data()), status);
+}
+
+}  // namespace
+
+JQ_EXPORT int32_t GSVD_head(JQMatF64 a, JQMatF64 b, JQMatF64 u, JQMatF64 v, JQMatF64 c, JQMatF64 s, JQMatF64 x,
+                            int32_t* status) {
+  return gsvd_export<double>(a, b, u, v, c, s, x, status);
+}
+JQ_EXPORT int32_t CxGSVD_head(JQMatC128 a, JQMatC128 b, JQMatC128 u, JQMatC128 v, JQMatF64 c, JQMatF64 s, JQMatC128 x,
+                              int32_t* status) {
+  return gsvd_export<cdouble>(a, b, u, v, c, s, x, status);
+}
+
 // ---- balancing -----------------------------------------------------------------------------
 
 namespace {
@@ -1128,21 +1234,64 @@ JQ_EXPORT int32_t CxEigenVBack_head(JQMatC128 vectors, JQArrF64 scale, int32_t i
   return balance_back_export<cdouble>(vectors, scale, ilo, ihi, job, side, status);
 }
 
-JQ_EXPORT int32_t QZ_head(JQMatF64 a, JQMatF64 b, JQMatF64 s, JQMatF64 t, JQMatF64 q, JQMatF64 z, JQArrC128 alpha,
-                          JQArrF64 beta, int32_t* status) {
+namespace {
+// A square pencil: A square, then B of A's shape, then the block positions
+// where there are some, then finiteness.
+template <class T>
+int32_t pencil_checks(const Mat<T>& x, const Mat<T>& y, bool moves = false, int32_t from = 0, int32_t to = 0) {
+  if (x.empty() || y.empty()) return kEmptyInput;
+  if (x.rows() != x.cols()) return kDimMismatch;
+  if (y.rows() != y.cols() || y.rows() != x.rows()) return kDimMismatch2;
+  if (moves && !positions_valid(x.rows(), from, to)) return kBadSelector;
+  return non_finite(x) || non_finite(y) ? kNonFiniteMatrix : kOk;
+}
+
+int32_t qz_export(Handle a, Handle b, bool moves, int32_t from, int32_t to, Handle s, Handle t, Handle q, Handle z,
+                  Handle alpha, Handle beta, int32_t* status) {
   clear(status);
   Mat<double> x(a), y(b);
-  Out2<double> so(s), to(t), qo(q), zo(z);
+  Out2<double> so(s), to_(t), qo(q), zo(z);
   Out<cdouble> ao(alpha);
   Out<double> bo(beta);
-  Outputs out(so, to, qo, zo, ao, bo);
-  if (x.empty() || y.empty()) return out.report(kEmptyInput, status);
-  if (x.rows() != x.cols()) return out.report(kDimMismatch, status);
-  if (y.rows() != y.cols() || y.rows() != x.rows()) return out.report(kDimMismatch2, status);
-  if (non_finite(x) || non_finite(y)) return out.report(kNonFiniteMatrix, status);
+  Outputs out(so, to_, qo, zo, ao, bo);
+  if (int32_t code = pencil_checks(x, y, moves, from, to)) return out.report(code, status);
   const int32_t n = x.rows();
-  if (!out.size(so, n, n) || !out.size(to, n, n) || !out.size(qo, n, n) || !out.size(zo, n, n) || !out.size(ao, n) ||
+  if (!out.size(so, n, n) || !out.size(to_, n, n) || !out.size(qo, n, n) || !out.size(zo, n, n) || !out.size(ao, n) ||
       !out.size(bo, n))
     return out.report(kNoMemory, status);
-  return out.report(qz(x.data(), y.data(), n, so.data(), to.data(), qo.data(), zo.data(), ao.data(), bo.data()), status);
+  return out.report(qz_moved(x.data(), y.data(), n, moves ? from : -1, to, so.data(), to_.data(), qo.data(), zo.data(),
+                             ao.data(), bo.data()),
+                    status);
+}
+
+template <class T> int32_t generalized_eigen_export(Handle a, Handle b, Handle alpha, Handle beta, Handle vectors, int32_t* status) {
+  clear(status);
+  Mat<T> x(a), y(b);
+  Out<cdouble> ao(alpha);
+  Out<double> bo(beta);
+  Out2<cdouble> vo(vectors);
+  Outputs out(ao, bo, vo);
+  if (int32_t code = pencil_checks(x, y)) return out.report(code, status);
+  const int32_t n = x.rows();
+  if (!out.size(ao, n) || !out.size(bo, n) || !out.size(vo, n, n)) return out.report(kNoMemory, status);
+  return out.report(generalized_eigen(x.data(), y.data(), n, ao.data(), bo.data(), vo.data()), status);
+}
+}  // namespace
+
+JQ_EXPORT int32_t GenEigenEx_head(JQMatF64 a, JQMatF64 b, JQArrC128 alpha, JQArrF64 beta, JQMatC128 vectors,
+                                  int32_t* status) {
+  return generalized_eigen_export<double>(a, b, alpha, beta, vectors, status);
+}
+JQ_EXPORT int32_t CxGenEigenEx_head(JQMatC128 a, JQMatC128 b, JQArrC128 alpha, JQArrF64 beta, JQMatC128 vectors,
+                                    int32_t* status) {
+  return generalized_eigen_export<cdouble>(a, b, alpha, beta, vectors, status);
+}
+
+JQ_EXPORT int32_t QZ_head(JQMatF64 a, JQMatF64 b, JQMatF64 s, JQMatF64 t, JQMatF64 q, JQMatF64 z, JQArrC128 alpha,
+                          JQArrF64 beta, int32_t* status) {
+  return qz_export(a, b, false, 0, 0, s, t, q, z, alpha, beta, status);
+}
+JQ_EXPORT int32_t QZ80_head(JQMatF64 a, JQMatF64 b, int32_t from, int32_t to, JQMatF64 s, JQMatF64 t, JQMatF64 q,
+                            JQMatF64 z, JQArrC128 alpha, JQArrF64 beta, int32_t* status) {
+  return qz_export(a, b, true, from, to, s, t, q, z, alpha, beta, status);
 }

@@ -137,6 +137,20 @@ template <class T> int32_t qr(const T* a, int32_t m, int32_t n, T* q, T* r, int3
   return kOk;
 }
 
+void unpack_pairs(const double* vr, const double* wi, int32_t n, cdouble* v) {
+  for (int32_t j = 0; j < n; ++j) {
+    const double* re = vr + static_cast<size_t>(j) * n;
+    for (int32_t i = 0; i < n; ++i) {
+      if (wi[j] == 0)
+        v[static_cast<size_t>(i) * n + j] = re[i];
+      else if (wi[j] > 0)
+        v[static_cast<size_t>(i) * n + j] = {re[i], re[i + n]};
+      else
+        v[static_cast<size_t>(i) * n + j] = {re[i - n], -re[i]};
+    }
+  }
+}
+
 template <class T> int32_t eigen(const T* a, int32_t n, cdouble* values, cdouble* v) {
   if (int32_t rc = ready()) return rc;
   Buffer<T> c, vr, work;
@@ -152,19 +166,8 @@ template <class T> int32_t eigen(const T* a, int32_t n, cdouble* values, cdouble
     const I lwork = workspace(query);
     JQ_CALL(dgeev, "N", "V", &n, c.data(), &n, wr.data(), wi.data(), nullptr, &one, vr.data(), &n, work.data(), &lwork, &info);
     if (info > 0) return kNoConvergence;
-    // A complex pair keeps its vector as real and imaginary columns j, j + 1.
-    for (int32_t j = 0; j < n; ++j) {
-      values[j] = {wr[j], wi[j]};
-      const double* re = vr.data() + static_cast<size_t>(j) * n;
-      for (int32_t i = 0; i < n; ++i) {
-        if (wi[j] == 0)
-          v[static_cast<size_t>(i) * n + j] = re[i];
-        else if (wi[j] > 0)
-          v[static_cast<size_t>(i) * n + j] = {re[i], re[i + n]};
-        else
-          v[static_cast<size_t>(i) * n + j] = {re[i - n], -re[i]};
-      }
-    }
+    for (int32_t j = 0; j < n; ++j) values[j] = {wr[j], wi[j]};
+    unpack_pairs(vr.data(), wi.data(), n, v);
   } else {
     Buffer<double> rwork;
     if (rwork.allocate(2 * int64_t{n})) return kNoMemory;

@@ -7,6 +7,11 @@
 
 namespace jq::linalg {
 
+// Real LAPACK eigenvectors (column-major, a complex pair as its real and
+// imaginary columns j, j + 1, told apart by the sign of wi) as complex
+// row-major columns.
+void unpack_pairs(const double* vr, const double* wi, int32_t n, cdouble* v);
+
 // LU with partial pivoting of an m x n matrix, in place: unit L below the
 // diagonal, U on and above. pivots (m) are 0-based row indices, rows past
 // min(m, n) their own index; parity is 1 for an odd number of interchanges.

@@ -112,6 +112,29 @@ void sig_zgebak(const char*, const char*, const I*, const I*, const I*, const do
 void sig_dgges(const char*, const char*, const char*, void*, const I*, double*, const I*, double*, const I*, I*,
                double*, double*, double*, double*, const I*, double*, const I*, double*, const I*, I*, I*);
 
+void sig_dtrexc(const char*, const I*, double*, const I*, double*, const I*, I*, I*, double*, I*);
+void sig_ztrexc(const char*, const I*, cdouble*, const I*, cdouble*, const I*, const I*, const I*, I*);
+
+void sig_dggsvd(const char*, const char*, const char*, const I*, const I*, const I*, I*, I*, double*, const I*,
+                double*, const I*, double*, double*, double*, const I*, double*, const I*, double*, const I*, double*,
+                I*, I*);
+void sig_zggsvd(const char*, const char*, const char*, const I*, const I*, const I*, I*, I*, cdouble*, const I*,
+                cdouble*, const I*, double*, double*, cdouble*, const I*, cdouble*, const I*, cdouble*, const I*,
+                cdouble*, double*, I*, I*);
+
+void sig_dtgevc(const char*, const char*, const I*, const I*, const double*, const I*, const double*, const I*,
+                double*, const I*, double*, const I*, const I*, I*, double*, I*);
+
+void sig_dtgexc(const I*, const I*, const I*, double*, const I*, double*, const I*, double*, const I*, double*,
+                const I*, I*, I*, double*, const I*, I*);
+
+void sig_zgghrd(const char*, const char*, const I*, const I*, const I*, cdouble*, const I*, cdouble*, const I*,
+                cdouble*, const I*, cdouble*, const I*, I*);
+void sig_zhgeqz(const char*, const char*, const char*, const I*, const I*, const I*, cdouble*, const I*, cdouble*,
+                const I*, cdouble*, cdouble*, cdouble*, const I*, cdouble*, const I*, cdouble*, const I*, double*, I*);
+void sig_ztgevc(const char*, const char*, const I*, const I*, const cdouble*, const I*, const cdouble*, const I*,
+                cdouble*, const I*, cdouble*, const I*, const I*, I*, cdouble*, double*, I*);
+
 // Per-type names of the operations written once for real and complex data.
 template <class T> struct Blas;
 

@@ -39,26 +39,56 @@ template <class T> int32_t lu_inverse(const T* lu, const int32_t* pivots, int32_
   return kOk;
 }
 
+namespace {
+
+// dgttrf on copies of the three diagonals; info > 0 on an exactly zero pivot.
+struct TridiagonalFactors {
+  Buffer<double> l, m, u, u2;
+  Scratch<I> ipiv;
+  I info = 0;
+  int32_t factor(const double* dl, const double* d, const double* du, int32_t n) {
+    const int32_t off = std::max(n - 1, 1);
+    if (l.allocate(off) || m.allocate(n) || u.allocate(off) || u2.allocate(std::max(n - 2, 1)) || ipiv.allocate(n))
+      return kNoMemory;
+    if (n > 1) {
+      std::memcpy(l.data(), dl, sizeof(double) * (n - 1));
+      std::memcpy(u.data(), du, sizeof(double) * (n - 1));
+    }
+    std::memcpy(m.data(), d, sizeof(double) * n);
+    JQ_CALL(dgttrf, &n, l.data(), m.data(), u.data(), u2.data(), ipiv.data(), &info);
+    return kOk;
+  }
+};
+
+}  // namespace
+
 int32_t tridiagonal_solve(const double* dl, const double* d, const double* du, int32_t n, const double* b, int32_t k,
                           double* x) {
   if (int32_t rc = ready()) return rc;
-  Buffer<double> l, m, u, u2, bc;
-  Scratch<I> ipiv;
-  const int32_t off = std::max(n - 1, 1);
-  if (l.allocate(off) || m.allocate(n) || u.allocate(off) || u2.allocate(std::max(n - 2, 1)) || ipiv.allocate(n) ||
-      to_column_major(b, n, k, bc, n))
-    return kNoMemory;
-  if (n > 1) {
-    std::memcpy(l.data(), dl, sizeof(double) * (n - 1));
-    std::memcpy(u.data(), du, sizeof(double) * (n - 1));
-  }
-  std::memcpy(m.data(), d, sizeof(double) * n);
+  TridiagonalFactors f;
+  Buffer<double> bc;
+  if (to_column_major(b, n, k, bc, n) || f.factor(dl, d, du, n)) return kNoMemory;
+  if (f.info > 0) return kSingular;
   I info = 0;
-  JQ_CALL(dgttrf, &n, l.data(), m.data(), u.data(), u2.data(), ipiv.data(), &info);
-  if (info > 0) return kSingular;
-  JQ_CALL(dgttrs, "N", &n, &k, l.data(), m.data(), u.data(), u2.data(), ipiv.data(), bc.data(), &n, &info);
+  JQ_CALL(dgttrs, "N", &n, &k, f.l.data(), f.m.data(), f.u.data(), f.u2.data(), f.ipiv.data(), bc.data(), &n, &info);
   from_column_major(bc.data(), n, n, k, x);
   return kOk;
+}
+
+int32_t tridiagonal_lu(const double* dl, const double* d, const double* du, int32_t n, double* l, double* m, double* u,
+                       double* u2, int32_t* pivots) {
+  if (int32_t rc = ready()) return rc;
+  TridiagonalFactors f;
+  if (f.factor(dl, d, du, n)) return kNoMemory;
+  if (n > 1) {
+    std::memcpy(l, f.l.data(), sizeof(double) * (n - 1));
+    std::memcpy(u, f.u.data(), sizeof(double) * (n - 1));
+  }
+  if (n > 2) std::memcpy(u2, f.u2.data(), sizeof(double) * (n - 2));
+  std::memcpy(m, f.m.data(), sizeof(double) * n);
+  for (int32_t i = 0; i < n; ++i) pivots[i] = f.ipiv[i] - 1;
+  // An exactly zero pivot: the factors stand, as for a dense LU.
+  return f.info > 0 ? kWarnSingularLU : kOk;
 }
 
 template <class T> bool is_symmetric(const T* a, int32_t n) {
@@ -103,7 +133,9 @@ template <class T> int32_t hessenberg(const T* a, int32_t n, T* h, T* q) {
   return kOk;
 }
 
-template <class T> int32_t schur(const T* a, int32_t n, T* s, T* z) {
+template <class T> int32_t schur(const T* a, int32_t n, T* s, T* z) { return schur_moved(a, n, -1, -1, s, z); }
+
+template <class T> int32_t schur_moved(const T* a, int32_t n, int32_t from, int32_t to, T* s, T* z) {
   if (int32_t rc = ready()) return rc;
   Buffer<T> c, zc, w1, w2, work;
   Buffer<double> rwork;
@@ -127,6 +159,19 @@ template <class T> int32_t schur(const T* a, int32_t n, T* s, T* z) {
   if (work.allocate(lwork)) return kNoMemory;
   run(work.data(), &lwork);
   if (info > 0) return kNoConvergence;
+  if (from >= 0 && from != to) {
+    I first = from + 1, last = to + 1;
+    if constexpr (std::is_same_v<T, double>) {
+      // A 2x2 block moves whole; the work array holds one row.
+      if (work.allocate(n)) return kNoMemory;
+      JQ_CALL(dtrexc, "V", &n, c.data(), &n, zc.data(), &n, &first, &last, work.data(), &info);
+    } else {
+      JQ_CALL(ztrexc, "V", &n, c.data(), &n, zc.data(), &n, &first, &last, &info);
+    }
+    // A swap LAPACK rejects as too ill-conditioned leaves a form that is
+    // still valid but not the one asked for.
+    if (info > 0) return kNoConvergence;
+  }
   from_column_major(c.data(), n, n, n, s);
   from_column_major(zc.data(), n, n, n, z);
   return kOk;
@@ -234,6 +279,11 @@ int32_t balance_back(T* v, int32_t n, int32_t m, const double* scale, int32_t il
 
 int32_t qz(const double* a, const double* b, int32_t n, double* s, double* t, double* q, double* z, cdouble* alpha,
            double* beta) {
+  return qz_moved(a, b, n, -1, -1, s, t, q, z, alpha, beta);
+}
+
+int32_t qz_moved(const double* a, const double* b, int32_t n, int32_t from, int32_t to, double* s, double* t, double* q,
+                 double* z, cdouble* alpha, double* beta) {
   if (int32_t rc = ready()) return rc;
   const int64_t nn = int64_t{n} * n;
   Buffer<double> ac, bc, qc, zc, ar, ai, work;
@@ -252,10 +302,126 @@ int32_t qz(const double* a, const double* b, int32_t n, double* s, double* t, do
           qc.data(), &n, zc.data(), &n, work.data(), &lwork, bwork.data(), &info);
   if (info > 0) return kNoConvergence;
   for (int32_t j = 0; j < n; ++j) alpha[j] = {ar[j], ai[j]};
+  if (from >= 0 && from != to) {
+    I first = from + 1, last = to + 1;
+    const I yes = 1, need = std::max(workspace(query), 4 * n + 16);
+    if (need > lwork && work.allocate(need)) return kNoMemory;
+    JQ_CALL(dtgexc, &yes, &yes, &n, ac.data(), &n, bc.data(), &n, qc.data(), &n, zc.data(), &n, &first, &last,
+            work.data(), &need, &info);
+    if (info != 0) return kNoConvergence;
+    // The block keeps its eigenvalues: move its (alpha, beta) pairs the way
+    // the block moved (LAPACK reports both positions as block starts).
+    const int32_t f = first - 1, l = last - 1, size = ai[f] != 0 ? 2 : 1;
+    if (f < l) {
+      std::rotate(alpha + f, alpha + f + size, alpha + l + size);
+      std::rotate(beta + f, beta + f + size, beta + l + size);
+    } else if (f > l) {
+      std::rotate(alpha + l, alpha + f, alpha + f + size);
+      std::rotate(beta + l, beta + f, beta + f + size);
+    }
+  }
   from_column_major(ac.data(), n, n, n, s);
   from_column_major(bc.data(), n, n, n, t);
   from_column_major(qc.data(), n, n, n, q);
   from_column_major(zc.data(), n, n, n, z);
+  return kOk;
+}
+
+int32_t generalized_eigen(const double* a, const double* b, int32_t n, cdouble* alpha, double* beta, cdouble* v) {
+  if (int32_t rc = ready()) return rc;
+  const int64_t nn = int64_t{n} * n;
+  Buffer<double> ac, bc, zc, ar, ai, work;
+  Scratch<I> bwork;
+  if (to_column_major(a, n, n, ac, n) || to_column_major(b, n, n, bc, n) || zc.allocate(nn) || ar.allocate(n) ||
+      ai.allocate(n) || bwork.allocate(n))
+    return kNoMemory;
+  I sdim = 0, info = 0, used = 0;
+  const I minus1 = -1, one = 1;
+  double query = 0;
+  JQ_CALL(dgges, "N", "V", "N", nullptr, &n, ac.data(), &n, bc.data(), &n, &sdim, ar.data(), ai.data(), beta, nullptr,
+          &one, zc.data(), &n, &query, &minus1, bwork.data(), &info);
+  const I lwork = std::max(workspace(query), 6 * n);
+  if (work.allocate(lwork)) return kNoMemory;
+  JQ_CALL(dgges, "N", "V", "N", nullptr, &n, ac.data(), &n, bc.data(), &n, &sdim, ar.data(), ai.data(), beta, nullptr,
+          &one, zc.data(), &n, work.data(), &lwork, bwork.data(), &info);
+  if (info > 0) return kNoConvergence;
+  // Eigenvectors of the Schur pair, carried back through Z.
+  JQ_CALL(dtgevc, "R", "B", nullptr, &n, ac.data(), &n, bc.data(), &n, nullptr, &one, zc.data(), &n, &n, &used,
+          work.data(), &info);
+  if (info != 0) return kNoConvergence;
+  for (int32_t j = 0; j < n; ++j) alpha[j] = {ar[j], ai[j]};
+  unpack_pairs(zc.data(), ai.data(), n, v);
+  // Unit Euclidean length, as the ordinary eigenvectors.
+  for (int32_t j = 0; j < n; ++j) {
+    double norm = 0;
+    for (int32_t i = 0; i < n; ++i) norm += std::norm(v[static_cast<size_t>(i) * n + j]);
+    norm = std::sqrt(norm);
+    if (norm > 0)
+      for (int32_t i = 0; i < n; ++i) v[static_cast<size_t>(i) * n + j] /= norm;
+  }
+  return kOk;
+}
+
+// The module has no complex QZ driver, so the steps are taken one by one:
+// B P = Q R with column pivoting, the pencil (Q^H A P, R) to Hessenberg-
+// triangular form, QZ iteration, eigenvectors carried back through Z, and
+// P undone on their rows.
+int32_t generalized_eigen(const cdouble* a, const cdouble* b, int32_t n, cdouble* alpha, double* beta, cdouble* v) {
+  if (int32_t rc = ready()) return rc;
+  const int64_t nn = int64_t{n} * n;
+  Buffer<cdouble> ac, bc, qc, h, zc, tau, bet, work;
+  Buffer<double> rwork;
+  Scratch<I> jpvt;
+  if (to_column_major(a, n, n, ac, n) || to_column_major(b, n, n, bc, n) || qc.allocate(nn) || h.allocate(nn) ||
+      zc.allocate(nn) || tau.allocate(n) || bet.allocate(n) || rwork.allocate(int64_t{2} * n) || jpvt.allocate(n))
+    return kNoMemory;
+  I info = 0;
+  const I minus1 = -1, one = 1;
+  cdouble query = 0.0;
+  for (int32_t j = 0; j < n; ++j) jpvt[j] = 0;
+  Blas<cdouble>::geqp3(n, n, bc.data(), n, jpvt.data(), tau.data(), &query, -1, rwork.data(), &info);
+  I lwork = std::max(workspace(query), 2 * n);
+  Blas<cdouble>::orgqr(n, n, n, qc.data(), n, tau.data(), &query, -1, &info);
+  lwork = std::max(lwork, workspace(query));
+  if (work.allocate(lwork)) return kNoMemory;
+  Blas<cdouble>::geqp3(n, n, bc.data(), n, jpvt.data(), tau.data(), work.data(), lwork, rwork.data(), &info);
+  std::memcpy(static_cast<void*>(qc.data()), bc.data(), sizeof(cdouble) * nn);
+  Blas<cdouble>::orgqr(n, n, n, qc.data(), n, tau.data(), work.data(), lwork, &info);
+  for (int32_t j = 0; j < n; ++j)
+    for (int32_t i = j + 1; i < n; ++i) bc[static_cast<size_t>(j) * n + i] = 0.0;
+  // zc holds A P for the moment, then Q^H A P goes to h.
+  for (int32_t j = 0; j < n; ++j)
+    std::memcpy(static_cast<void*>(zc.data() + static_cast<size_t>(j) * n), ac.data() + static_cast<size_t>(jpvt[j] - 1) * n,
+                sizeof(cdouble) * n);
+  const cdouble c1 = 1.0, c0 = 0.0;
+  JQ_CALL(cblas_zgemm, kColMajor, kConjTrans, kNoTrans, n, n, n, &c1, qc.data(), n, zc.data(), n, &c0, h.data(), n);
+  JQ_CALL(zgghrd, "N", "I", &n, &one, &n, h.data(), &n, bc.data(), &n, nullptr, &one, zc.data(), &n, &info);
+  JQ_CALL(zhgeqz, "S", "N", "V", &n, &one, &n, h.data(), &n, bc.data(), &n, alpha, bet.data(), nullptr, &one,
+          zc.data(), &n, &query, &minus1, rwork.data(), &info);
+  const I lwork2 = workspace(query);
+  if (lwork2 > lwork && work.allocate(lwork2)) return kNoMemory;
+  JQ_CALL(zhgeqz, "S", "N", "V", &n, &one, &n, h.data(), &n, bc.data(), &n, alpha, bet.data(), nullptr, &one,
+          zc.data(), &n, work.data(), &lwork2, rwork.data(), &info);
+  if (info != 0) return kNoConvergence;
+  I used = 0;
+  if (lwork < 2 * n && work.allocate(2 * n)) return kNoMemory;
+  JQ_CALL(ztgevc, "R", "B", nullptr, &n, h.data(), &n, bc.data(), &n, nullptr, &one, zc.data(), &n, &n, &used,
+          work.data(), rwork.data(), &info);
+  if (info != 0) return kNoConvergence;
+  // beta real and non-negative, alpha turned with it.
+  for (int32_t j = 0; j < n; ++j) {
+    const double m = std::abs(bet[j]);
+    const cdouble phase = m > 0 ? std::conj(bet[j]) / m : cdouble(1.0);
+    alpha[j] *= phase;
+    beta[j] = m;
+  }
+  for (int32_t j = 0; j < n; ++j) {
+    const cdouble* y = zc.data() + static_cast<size_t>(j) * n;
+    double norm = 0;
+    for (int32_t i = 0; i < n; ++i) norm += std::norm(y[i]);
+    norm = norm > 0 ? std::sqrt(norm) : 1.0;
+    for (int32_t i = 0; i < n; ++i) v[static_cast<size_t>(jpvt[i] - 1) * n + j] = y[i] / norm;
+  }
   return kOk;
 }
 
@@ -266,6 +432,7 @@ int32_t qz(const double* a, const double* b, int32_t n, double* s, double* t, do
   template int32_t is_positive_definite(const T*, int32_t, bool, int32_t*);                   \
   template int32_t hessenberg(const T*, int32_t, T*, T*);                                     \
   template int32_t schur(const T*, int32_t, T*, T*);                                          \
+  template int32_t schur_moved(const T*, int32_t, int32_t, int32_t, T*, T*);                   \
   template int32_t characteristic_polynomial(const T*, int32_t, T*);                         \
   template int32_t sylvester(const T*, int32_t, const T*, int32_t, bool, const T*, T*);      \
   template int32_t band_solve(const T*, int32_t, int32_t, int32_t, const T*, int32_t, T*);     \

@@ -17,6 +17,11 @@ template <class T> int32_t lu_inverse(const T* lu, const int32_t* pivots, int32_
 
 // X (n x k) solving the tridiagonal system with sub-diagonal dl (n - 1),
 // diagonal d (n) and super-diagonal du (n - 1); kSingular for a zero pivot.
+// LU of a tridiagonal matrix with partial pivoting: multipliers l (n-1), U's
+// diagonal m (n), first and second superdiagonals u (n-1), u2 (n-2) and the
+// 0-based pivots. kWarnSingularLU with the factors kept on a zero pivot.
+int32_t tridiagonal_lu(const double* dl, const double* d, const double* du, int32_t n, double* l, double* m, double* u,
+                       double* u2, int32_t* pivots);
 int32_t tridiagonal_solve(const double* dl, const double* d, const double* du, int32_t n, const double* b, int32_t k,
                           double* x);
 
@@ -31,6 +36,9 @@ template <class T> int32_t hessenberg(const T* a, int32_t n, T* h, T* q);
 // A = Z S Z^H: S quasi upper triangular (real data: 2 x 2 blocks for
 // complex pairs) or upper triangular (complex data), Z unitary.
 template <class T> int32_t schur(const T* a, int32_t n, T* s, T* z);
+// The Schur form with the diagonal block at `from` moved to `to` (0-based;
+// from < 0 moves nothing). kNoConvergence when a swap is refused.
+template <class T> int32_t schur_moved(const T* a, int32_t n, int32_t from, int32_t to, T* s, T* z);
 // Coefficients c[0..n] of det(x I - A), constant first, leading 1.
 template <class T> int32_t characteristic_polynomial(const T* a, int32_t n, T* c);
 
@@ -56,7 +64,15 @@ int32_t balance_back(T* v, int32_t n, int32_t m, const double* scale, int32_t il
 // Generalized real Schur form of the pair (A, B): A = Q S Z^T, B = Q T Z^T
 // with S quasi upper triangular, T upper triangular, Q and Z orthogonal; the
 // generalized eigenvalues are alpha[j] / beta[j].
+// Generalized eigenvalues alpha / beta of A x = lambda B x and the right
+// eigenvectors (columns, unit length), through the real Schur pair.
+int32_t generalized_eigen(const double* a, const double* b, int32_t n, cdouble* alpha, double* beta, cdouble* v);
+int32_t generalized_eigen(const cdouble* a, const cdouble* b, int32_t n, cdouble* alpha, double* beta, cdouble* v);
 int32_t qz(const double* a, const double* b, int32_t n, double* s, double* t, double* q, double* z, cdouble* alpha,
            double* beta);
+// The same with the diagonal block at `from` moved to `to` (0-based; from < 0
+// moves nothing); kNoConvergence when a swap is refused.
+int32_t qz_moved(const double* a, const double* b, int32_t n, int32_t from, int32_t to, double* s, double* t, double* q,
+                 double* z, cdouble* alpha, double* beta);
 
 }  // namespace jq::linalg

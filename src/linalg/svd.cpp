@@ -138,6 +138,59 @@ int32_t least_squares(const T* a, int32_t m, int32_t n, const T* b, int32_t k, d
   return by_svd(a, m, n, b, k, tol, x);
 }
 
+template <class T> int32_t Gsvd<T>::factor(const T* a, int32_t m, const T* b, int32_t p, int32_t n) {
+  if (int32_t rc = ready()) return rc;
+  m_ = m, p_ = p, n_ = n;
+  Buffer<T> work;
+  Buffer<double> rwork;
+  Scratch<I> iwork;
+  const int64_t lwork = std::max({int64_t{3} * n, int64_t{m}, int64_t{p}}) + n;
+  if (to_column_major(a, m, n, a_, m) || to_column_major(b, p, n, b_, p) || u_.allocate(int64_t{m} * m) ||
+      v_.allocate(int64_t{p} * p) || q_.allocate(int64_t{n} * n) || alpha_.allocate(n) || beta_.allocate(n) ||
+      work.allocate(lwork) || rwork.allocate(int64_t{2} * n) || iwork.allocate(n))
+    return kNoMemory;
+  I info = 0;
+  if constexpr (std::is_same_v<T, double>)
+    JQ_CALL(dggsvd, "U", "V", "Q", &m, &n, &p, &k_, &l_, a_.data(), &m, b_.data(), &p, alpha_.data(), beta_.data(),
+            u_.data(), &m, v_.data(), &p, q_.data(), &n, work.data(), iwork.data(), &info);
+  else
+    JQ_CALL(zggsvd, "U", "V", "Q", &m, &n, &p, &k_, &l_, a_.data(), &m, b_.data(), &p, alpha_.data(), beta_.data(),
+            u_.data(), &m, v_.data(), &p, q_.data(), &n, work.data(), rwork.data(), iwork.data(), &info);
+  return info > 0 ? kNoConvergence : kOk;
+}
+
+// LAPACK leaves alpha = 1 for the first k pairs and alpha = 0, beta = 1 past
+// row m, so both diagonals read straight off alpha and beta; R's rows past m
+// stand in B.
+template <class T> int32_t Gsvd<T>::write(T* u, T* v, double* c, double* s, T* x) {
+  const int32_t r = rank(), m = m_, p = p_, n = n_, off = n - r;
+  from_column_major(u_.data(), m, m, m, u);
+  from_column_major(v_.data(), p, p, p, v);
+  std::fill(c, c + int64_t{m} * r, 0.0);
+  std::fill(s, s + int64_t{p} * r, 0.0);
+  for (int32_t i = 0; i < std::min(m, r); ++i) c[int64_t{i} * r + i] = alpha_[i];
+  for (int32_t i = k_; i < r; ++i) s[int64_t{i - k_} * r + i] = beta_[i];
+  if (r == 0) return kOk;
+  Buffer<T> rr;
+  if (rr.allocate(int64_t{r} * r)) return kNoMemory;
+  for (int32_t i = 0; i < r; ++i)
+    for (int32_t j = 0; j < r; ++j) {
+      const size_t col = static_cast<size_t>(off + j);
+      rr[static_cast<size_t>(i) * r + j] =
+          j < i ? T(0.0) : i < m ? a_[col * m + i] : b_[col * p + (i - k_)];
+    }
+  // Q's last r columns, column-major, read row-major are their transpose;
+  // conjugated they are the Q^H the product needs.
+  T* qs = q_.data() + static_cast<size_t>(off) * n;
+  for (int64_t i = 0; i < int64_t{r} * n; ++i) qs[i] = conj_of(qs[i]);
+  Blas<T>::gemm(r, n, r, rr.data(), r, qs, n, x, n);
+  for (int64_t i = 0; i < int64_t{r} * n; ++i) qs[i] = conj_of(qs[i]);
+  return kOk;
+}
+
+template class Gsvd<double>;
+template class Gsvd<cdouble>;
+
 #define JQ_INSTANTIATE(T)                                                                       \
   template int32_t svd(const T*, int32_t, int32_t, char, double*, T*, T*);                      \
   template int32_t pseudo_inverse(const T*, int32_t, int32_t, double, T*);                      \

@@ -25,4 +25,24 @@ template <class T>
 int32_t least_squares(const T* a, int32_t m, int32_t n, const T* b, int32_t k, double tol, bool force_svd, T* x);
 bool least_squares_by_svd(int32_t m, int32_t n);
 
+// Generalized SVD of A (m x n) and B (p x n): A = U C X and B = V S X with U
+// (m x m) and V (p x p) unitary, C (m x r) and S (p x r) real and diagonal
+// (C^T C + S^T S = I) and X = [0 R] Q^H (r x n), r the rank of [A; B]. The
+// rank is known only once factored, so the caller sizes its outputs between
+// factor() and write().
+template <class T> class Gsvd {
+ public:
+  // kNoConvergence when LAPACK's Jacobi iteration gives up.
+  int32_t factor(const T* a, int32_t m, const T* b, int32_t p, int32_t n);
+  int32_t rank() const { return k_ + l_; }
+  // kNoMemory when its work array cannot be had.
+  int32_t write(T* u, T* v, double* c, double* s, T* x);
+
+ private:
+  int32_t m_ = 0, p_ = 0, n_ = 0;
+  I k_ = 0, l_ = 0;
+  Buffer<T> a_, b_, u_, v_, q_;
+  Buffer<double> alpha_, beta_;
+};
+
 }  // namespace jq::linalg

@@ -342,3 +342,72 @@ TEST(Decompose, Rejections) {
 }
 
 }  // namespace
+
+namespace {
+
+// The generalized SVD by its invariants: both reconstructions, unitary U
+// and V, and C^T C + S^T S = I, over shapes where [A; B] has full column
+// rank with r <= m and r > m, and where it is rank deficient.
+struct GsvdCase {
+  const char* what;
+  int m, p, n, rank;
+  bool cx;
+  std::vector<double> a, b;  // interleaved parts for complex cases
+};
+
+template <class T> void check_gsvd(const GsvdCase& c) {
+  SCOPED_TRACE(c.what);
+  lt::NoBufferLeft guard;
+  auto a = lt::matrix<T>(c.a.data(), c.m, c.n), b = lt::matrix<T>(c.b.data(), c.p, c.n);
+  jqrt::Array2<T> u, v, x;
+  jqrt::Array2<double> cc, ss;
+  int32_t st;
+  if constexpr (std::is_same_v<T, cd>)
+    CxGSVD_head(a.h(), b.h(), u.h(), v.h(), cc.h(), ss.h(), x.h(), &st);
+  else
+    GSVD_head(a.h(), b.h(), u.h(), v.h(), cc.h(), ss.h(), x.h(), &st);
+  ASSERT_EQ(st, 0);
+  const int r = c.rank;
+  ASSERT_EQ(x.rows(), r);
+  ASSERT_EQ(cc.cols(), r);
+  auto conj_t = [](const T* q, int n) {
+    std::vector<T> t(n * n);
+    for (int i = 0; i < n; ++i)
+      for (int j = 0; j < n; ++j) t[j * n + i] = jq::linalg::conj_of(q[i * n + j]);
+    return t;
+  };
+  for (auto [q, d, rows, want] : {std::tuple{&u, &cc, c.m, &a}, std::tuple{&v, &ss, c.p, &b}}) {
+    std::vector<T> dt(d->data(), d->data() + rows * r);
+    auto dx = mul(dt.data(), x.data(), rows, r, c.n);
+    auto rec = mul(q->data(), dx.data(), rows, rows, c.n);
+    EXPECT_LT(lt::rel_error(rec.data(), reinterpret_cast<const double*>(want->data()), rows * c.n), 1e-13);
+    auto qh = conj_t(q->data(), rows);
+    auto id = mul(qh.data(), q->data(), rows, rows, rows);
+    for (int i = 0; i < rows * rows; ++i) EXPECT_NEAR(std::abs(id[i] - T(i % (rows + 1) == 0)), 0, 1e-14);
+  }
+  for (int i = 0; i < r; ++i)
+    for (int j = 0; j < r; ++j) {
+      double s = 0;
+      for (int k = 0; k < c.m; ++k) s += cc.data()[k * r + i] * cc.data()[k * r + j];
+      for (int k = 0; k < c.p; ++k) s += ss.data()[k * r + i] * ss.data()[k * r + j];
+      EXPECT_NEAR(s, i == j, 1e-14);
+    }
+}
+
+const std::vector<GsvdCase> kGsvd = {
+    {"tall A", 4, 3, 3, 3, false, {1, 2, 0, -3, 1, 4, 2, 0, 1, 0.5, 1, -1}, {2, 0, 1, 1, 3, 0, 0, 1, 4}},
+    {"r above m", 2, 3, 4, 4, false, {1, 2, 0, -1, 3, 1, 4, 2}, {2, 0, 1, 1, 1, 3, 0, -2, 0, 1, 4, 1}},
+    {"rank deficient", 2, 1, 3, 2, false, {1, 2, 3, 2, 4, 6}, {0, 1, 0}},
+    {"complex", 3, 2, 3, 3, true, {1, 1, 2, 0, 0, -1, -3, 0, 1, 2, 4, 0, 2, 1, 0, 0, 1, -1}, {2, 0, 0, 1, 1, 0, 1, 1, 3, 0, 0, 2}},
+};
+
+TEST(Decompose, GeneralizedSvd) {
+  for (const GsvdCase& c : kGsvd) c.cx ? check_gsvd<cd>(c) : check_gsvd<double>(c);
+  jqrt::Array2<double> a(2, 3), b(2, 2), u, v, cc, ss, x;
+  int32_t st;
+  GSVD_head(a.h(), b.h(), u.h(), v.h(), cc.h(), ss.h(), x.h(), &st);
+  EXPECT_EQ(st, -20039);
+  EXPECT_EQ(u.rows() + cc.rows() + x.rows(), 0);
+}
+
+}  // namespace

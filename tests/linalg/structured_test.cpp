@@ -325,7 +325,22 @@ TEST(Structured, BalanceAndBack) {
 
 namespace {
 
-// A = Q S Z^T and B = Q T Z^T; alpha / beta are the eigenvalues of B^-1 A.
+using M2 = jqrt::Array2<double>;
+
+// A = Q S Z^T and B = Q T Z^T.
+void expect_pencil(const M2& a, const M2& b, const M2& s, const M2& t, const M2& q, const M2& z) {
+  const int n = a.rows();
+  for (auto [m, f] : {std::pair{&a, &s}, std::pair{&b, &t}}) {
+    auto qf = mul(q.data(), f->data(), n, n, n);
+    std::vector<double> zt(n * n);
+    for (int i = 0; i < n; ++i)
+      for (int j = 0; j < n; ++j) zt[i * n + j] = z.data()[j * n + i];
+    auto r = mul(qf.data(), zt.data(), n, n, n);
+    for (int i = 0; i < n * n; ++i) EXPECT_NEAR(r[i], m->data()[i], 1e-13);
+  }
+}
+
+// The pencil's Schur form; alpha / beta are the eigenvalues of B^-1 A.
 TEST(Structured, GeneralizedSchur) {
   auto a = jqrt::Array2<double>::rows({{1, 2, 0}, {-3, 1, 4}, {2, 0, 1}});
   auto b = jqrt::Array2<double>::rows({{2, 0, 1}, {1, 3, 0}, {0, 1, 4}});
@@ -336,14 +351,7 @@ TEST(Structured, GeneralizedSchur) {
   QZ_head(a.h(), b.h(), s.h(), t.h(), q.h(), z.h(), alpha.h(), beta.h(), &st);
   EXPECT_EQ(st, 0);
   ASSERT_EQ(beta.rows(), 3);
-  for (auto [m, f] : {std::pair{&a, &s}, std::pair{&b, &t}}) {
-    auto qf = mul(q.data(), f->data(), 3, 3, 3);
-    std::vector<double> zt(9);
-    for (int i = 0; i < 3; ++i)
-      for (int j = 0; j < 3; ++j) zt[i * 3 + j] = z.data()[j * 3 + i];
-    auto r = mul(qf.data(), zt.data(), 3, 3, 3);
-    for (int i = 0; i < 9; ++i) EXPECT_NEAR(r[i], m->data()[i], 1e-13);
-  }
+  expect_pencil(a, b, s, t, q, z);
   for (int i = 1; i < 3; ++i) EXPECT_EQ(t.data()[i * 3 + i - 1], 0.0);
   // det(A - lambda B) = 0 for each generalized eigenvalue.
   for (int k = 0; k < 3; ++k) {
@@ -357,6 +365,208 @@ TEST(Structured, GeneralizedSchur) {
   QZ_head(a.h(), small.h(), s.h(), t.h(), q.h(), z.h(), alpha.h(), beta.h(), &st);
   EXPECT_EQ(st, -20070);
   EXPECT_EQ(alpha.rows(), 0);
+}
+
+}  // namespace
+
+namespace {
+
+// P L U rebuilt from the tridiagonal factors is the matrix; the pivots are
+// those LAPACK's own driver picks on this matrix (0-based).
+TEST(Structured, TridiagonalLUFactors) {
+  lt::NoBufferLeft guard;
+  jqrt::Array<double> dl{5, 2, 3, 1}, d{1, 5, 0.5, 7, 2}, du{-1, 0.5, 2, 4}, l, m, u, u2;
+  jqrt::Array<int32_t> p;
+  int32_t st;
+  TriDiagLU_head(dl.h(), d.h(), du.h(), l.h(), m.h(), u.h(), u2.h(), p.h(), &st);
+  EXPECT_EQ(st, 0);
+  ASSERT_EQ(u2.rows(), 3);
+  const int n = 5;
+  EXPECT_EQ(std::vector<int32_t>(p.data(), p.data() + n), (std::vector<int32_t>{1, 1, 3, 3, 4}));
+  double r[n][n] = {};
+  for (int i = 0; i < n; ++i) {
+    r[i][i] = m.data()[i];
+    if (i + 1 < n) r[i][i + 1] = u.data()[i];
+    if (i + 2 < n) r[i][i + 2] = u2.data()[i];
+  }
+  for (int i = n - 2; i >= 0; --i) {
+    for (int j = 0; j < n; ++j) r[i + 1][j] += l.data()[i] * r[i][j];
+    if (p.data()[i] == i + 1)
+      for (int j = 0; j < n; ++j) std::swap(r[i][j], r[i + 1][j]);
+  }
+  for (int i = 0; i < n; ++i)
+    for (int j = 0; j < n; ++j) {
+      const double want = j == i ? d.data()[i] : j == i + 1 ? du.data()[i] : j == i - 1 ? dl.data()[j] : 0.0;
+      EXPECT_NEAR(r[i][j], want, 1e-14) << i << "," << j;
+    }
+  // A zero first column: the warning, with the factors.
+  jqrt::Array<double> z1{0}, z2{0, 3}, one{1};
+  TriDiagLU_head(z1.h(), z2.h(), one.h(), l.h(), m.h(), u.h(), u2.h(), p.h(), &st);
+  EXPECT_EQ(st, 20003);
+  EXPECT_EQ(m.rows(), 2);
+  EXPECT_EQ(u2.rows(), 0);
+  jqrt::Array<double> bad{1, std::nan("")};
+  TriDiagLU_head(dl.h(), d.h(), bad.h(), l.h(), m.h(), u.h(), u2.h(), p.h(), &st);
+  EXPECT_EQ(st, -20002);
+  EXPECT_EQ(p.rows(), 0);
+}
+
+// Moving a diagonal block keeps A = Z S Z^H and carries its eigenvalue along.
+template <class T> void check_moved() {
+  lt::NoBufferLeft guard;
+  const int n = 6;
+  jqrt::Array2<T> a(n, n), s0, z0, s, z;
+  for (int i = 0; i < n * n; ++i) {
+    a.data()[i] = std::sin(1.7 * i + 0.3) + (i % (n + 1) == 0 ? 0.5 * i : 0.0);
+    if constexpr (std::is_same_v<T, cd>) a.data()[i] += cd(0, std::cos(0.9 * i));
+  }
+  constexpr bool cx = std::is_same_v<T, cd>;
+  int32_t st;
+  cx ? CxSchur_head(a.h(), s0.h(), z0.h(), &st) : Schur_head(a.h(), s0.h(), z0.h(), &st);
+  // The last diagonal element is a 1 x 1 block for this matrix in both forms.
+  ASSERT_EQ(s0.data()[(n - 1) * n + n - 2], T(0.0));
+  cx ? CxSchur80_head(a.h(), n - 1, 0, s.h(), z.h(), &st) : Schur80_head(a.h(), n - 1, 0, s.h(), z.h(), &st);
+  EXPECT_EQ(st, 0);
+  EXPECT_LT(residual(a, z, s), 1e-13);
+  EXPECT_NEAR(std::abs(s.data()[0] - s0.data()[n * n - 1]), 0.0, 1e-12);
+  EXPECT_EQ(s.data()[n], T(0.0));
+  for (int32_t from : {-1, n}) {
+    cx ? CxSchur80_head(a.h(), from, 0, s.h(), z.h(), &st) : Schur80_head(a.h(), from, 0, s.h(), z.h(), &st);
+    EXPECT_EQ(st, -20061);
+    EXPECT_EQ(s.rows() + z.rows(), 0);
+  }
+}
+
+TEST(Structured, ReorderedSchur) {
+  check_moved<double>();
+  check_moved<cd>();
+  // Positions are checked before the values.
+  auto a = jqrt::Array2<double>::rows({{1, std::nan("")}, {0, 1}});
+  jqrt::Array2<double> s, z;
+  int32_t st;
+  Schur80_head(a.h(), 0, 2, s.h(), z.h(), &st);
+  EXPECT_EQ(st, -20061);
+  Schur80_head(a.h(), 0, 1, s.h(), z.h(), &st);
+  EXPECT_EQ(st, -20068);
+}
+
+// A preallocated inverse is written without a resize: the call succeeds even
+// when every resize would fail. Another shape is resized.
+TEST(Structured, PreallocatedCholeskyInverse) {
+  auto a = jqrt::Array2<double>::rows({{4, 1, 0}, {1, 3, 1}, {0, 1, 2}});
+  jqrt::Array2<double> want, got(3, 3), other(2, 5);
+  int32_t st;
+  InvMatrixChoDri_head(a.h(), want.h(), &st);
+  {
+    jqrt::FailResize fail(1);
+    EXPECT_EQ(PreallocInvMatrixChoDri_H(a.h(), got.h(), &st), 0);
+  }
+  EXPECT_EQ(st, 0);
+  for (int i = 0; i < 9; ++i) EXPECT_EQ(got.data()[i], want.data()[i]);
+  PreallocInvMatrixChoDri_H(a.h(), other.h(), &st);
+  EXPECT_EQ(st, 0);
+  ASSERT_EQ(other.rows(), 3);
+  EXPECT_EQ(other.cols(), 3);
+  auto c = jqrt::Array2<cd>::rows({{cd(2, 0), cd(0, 1)}, {cd(0, -1), cd(-2, 0)}});
+  jqrt::Array2<cd> ci(2, 2);
+  CxPreallocInvMatrixChoDri_H(c.h(), ci.h(), &st);
+  EXPECT_EQ(st, -20071);
+  EXPECT_EQ(ci.rows(), 0);
+}
+
+}  // namespace
+
+namespace {
+
+// beta A v = alpha B v for unit columns v, beta not negative.
+template <class T> std::vector<cd> check_pencil(const jqrt::Array2<T>& a, const jqrt::Array2<T>& b) {
+  lt::NoBufferLeft guard;
+  const int n = a.rows();
+  jqrt::Array<cd> alpha;
+  jqrt::Array<double> beta;
+  jqrt::Array2<cd> v;
+  int32_t st;
+  if constexpr (std::is_same_v<T, cd>)
+    CxGenEigenEx_head(a.h(), b.h(), alpha.h(), beta.h(), v.h(), &st);
+  else
+    GenEigenEx_head(a.h(), b.h(), alpha.h(), beta.h(), v.h(), &st);
+  EXPECT_EQ(st, 0);
+  std::vector<cd> got;
+  if (v.rows() != n) return got;
+  for (int j = 0; j < n; ++j) {
+    got.push_back(alpha.data()[j] / beta.data()[j]);
+    EXPECT_GE(beta.data()[j], 0.0);
+    double norm = 0;
+    for (int i = 0; i < n; ++i) {
+      cd av = 0, bv = 0;
+      for (int k = 0; k < n; ++k) av += a.data()[i * n + k] * v.data()[k * n + j], bv += b.data()[i * n + k] * v.data()[k * n + j];
+      EXPECT_NEAR(std::abs(beta.data()[j] * av - alpha.data()[j] * bv), 0, 1e-13) << j;
+      norm += std::norm(v.data()[i * n + j]);
+    }
+    EXPECT_NEAR(norm, 1, 1e-14);
+  }
+  return got;
+}
+
+// Real and complex pencils, one with a singular B (an infinite eigenvalue);
+// the real one's eigenvalues are scipy's (scipy.linalg.eig(a, b)).
+TEST(Structured, GeneralizedEigenvectors) {
+  auto a = jqrt::Array2<double>::rows({{1, 2, 0}, {-3, 1, 4}, {2, 0, 1}});
+  auto b = jqrt::Array2<double>::rows({{2, 0, 1}, {1, 3, 0}, {0, 1, 4}});
+  std::vector<cd> got = check_pencil(a, b);
+  auto ca = jqrt::Array2<cd>::rows({{cd(1, 1), cd(2, 0), cd(0, -1)}, {cd(-3, 0), cd(1, 2), cd(4, 0)}, {cd(2, 1), cd(0, 0), cd(1, -1)}});
+  auto cb = jqrt::Array2<cd>::rows({{cd(2, 0), cd(0, 1), cd(1, 0)}, {cd(0, 0), cd(0, 0), cd(0, 0)}, {cd(0, 1), cd(3, 0), cd(0, 2)}});
+  check_pencil(ca, cb);
+  cb.data()[4] = cd(1, -1);
+  check_pencil(ca, cb);
+  // Each of scipy's eigenvalues is among ours (the pair's real parts may
+  // differ in the last bit, so no sort decides the order).
+  const cd want[] = {{-0.30775711028452696, -1.1440121877037885}, {-0.30775711028452696, 1.1440121877037885}, {0.6555142205690538, 0}};
+  for (cd w : want) {
+    double nearest = INFINITY;
+    for (cd g : got) nearest = std::min(nearest, std::abs(g - w));
+    EXPECT_LT(nearest, 1e-14) << w;
+  }
+  // B of another shape is the second dimension check.
+  jqrt::Array2<double> small(2, 2);
+  jqrt::Array<cd> alpha;
+  jqrt::Array<double> beta;
+  jqrt::Array2<cd> v;
+  int32_t st;
+  GenEigenEx_head(a.h(), small.h(), alpha.h(), beta.h(), v.h(), &st);
+  EXPECT_EQ(st, -20070);
+  EXPECT_EQ(alpha.rows() + beta.rows() + v.rows(), 0);
+}
+
+}  // namespace
+
+namespace {
+
+// Moving a block of the generalized Schur form keeps A = Q S Z^T and
+// B = Q T Z^T and carries its eigenvalue; 1 x 1 blocks agree with the
+// reported alpha / beta wherever they end up.
+TEST(Structured, ReorderedGeneralizedSchur) {
+  lt::NoBufferLeft guard;
+  auto a = jqrt::Array2<double>::rows({{4, 1, 0, 2}, {1, -3, 1, 0}, {0, 2, 1, 1}, {1, 0, 1, 6}});
+  auto b = jqrt::Array2<double>::rows({{2, 0, 1, 0}, {1, 3, 0, 0}, {0, 1, 4, 1}, {0, 0, 1, 2}});
+  jqrt::Array2<double> s0, t0, q0, z0, s, t, q, z;
+  jqrt::Array<cd> alpha0, alpha;
+  jqrt::Array<double> beta0, beta;
+  int32_t st;
+  const int n = 4;
+  QZ_head(a.h(), b.h(), s0.h(), t0.h(), q0.h(), z0.h(), alpha0.h(), beta0.h(), &st);
+  ASSERT_EQ(st, 0);
+  QZ80_head(a.h(), b.h(), n - 1, 0, s.h(), t.h(), q.h(), z.h(), alpha.h(), beta.h(), &st);
+  ASSERT_EQ(st, 0);
+  expect_pencil(a, b, s, t, q, z);
+  ASSERT_EQ(alpha0.data()[n - 1].imag(), 0.0) << "the last block should be 1 x 1";
+  EXPECT_NEAR(s.data()[0] / t.data()[0], alpha0.data()[n - 1].real() / beta0.data()[n - 1], 1e-12);
+  for (int j = 0; j < n; ++j)
+    if (alpha.data()[j].imag() == 0 && (j + 1 == n || s.data()[(j + 1) * n + j] == 0) && (j == 0 || s.data()[j * n + j - 1] == 0))
+      EXPECT_NEAR(alpha.data()[j].real() / beta.data()[j], s.data()[j * n + j] / t.data()[j * n + j], 1e-12) << j;
+  QZ80_head(a.h(), b.h(), 0, n, s.h(), t.h(), q.h(), z.h(), alpha.h(), beta.h(), &st);
+  EXPECT_EQ(st, -20061);
+  EXPECT_EQ(s.rows() + alpha.rows(), 0);
 }
 
 }  // namespace
