@@ -5,7 +5,7 @@ Run with the system python (which sees numpy and scipy):
     /usr/bin/python3 tools/gen_iir_oracle.py > tests/filters/iir_oracle.inc
 
 Designs: for each family, type, order and topology, the frequency response of
-the same specification at fixed frequencies: scipy's analog prototype (buttap,
+the same design request at fixed frequencies: scipy's analog prototype (buttap,
 cheb1ap, cheb2ap, ellipap, besselap with norm='mag'; the cut-off is Wn as in
 butter, cheby1, ...) evaluated at the prewarped, band-transformed frequency.
 That is the response scipy's digital designs have, without the rounding of its
@@ -66,16 +66,16 @@ print(f"inline constexpr int32_t kFreqCount = {len(FREQS)};")
 arr("kFreqs", FREQS)
 
 designs = []
-specs = [(1000.0, 100.0, 230.0, 0.5, 40.0), (48000.0, 3000.0, 9000.0, 1.0, 60.0), (10.0, 0.05, 4.9, 0.1, 80.0)]
+requests = [(1000.0, 100.0, 230.0, 0.5, 40.0), (48000.0, 3000.0, 9000.0, 1.0, 60.0), (10.0, 0.05, 4.9, 0.1, 80.0)]
 for fam in FAMILIES:
     for typ in range(4):
         for n in (1, 2, 3, 5, 8):
             for topo in (0, 1):
-                designs.append((fam, typ, n, topo, specs[(n + typ + topo) % 3]))
+                designs.append((fam, typ, n, topo, requests[(n + typ + topo) % 3]))
 for fam in FAMILIES:  # higher orders, second-order sections
-    designs.append((fam, 0, 12, 0, specs[0]))
-    designs.append((fam, 2, 10, 0, specs[1]))
-designs.append(("bessel", 0, 60, 0, specs[0]))  # poles of a high order, far from the axis
+    designs.append((fam, 0, 12, 0, requests[0]))
+    designs.append((fam, 2, 10, 0, requests[1]))
+designs.append(("bessel", 0, 60, 0, requests[0]))  # poles of a high order, far from the axis
 
 print("struct DesignCase { int32_t family, type, order, topology; double fs, fl, fh, ripple, atten;"
       " const double* re; const double* im; int32_t nradii; const double* radii; };")

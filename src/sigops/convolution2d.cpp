@@ -62,11 +62,11 @@ class RealSpectra {
   }
 
   // The inverse of forward, the first `rows` x `cols` values into out.
-  int32_t inverse(cdouble* spec, int32_t rows, int32_t cols, double* out) {
-    if (int32_t rc = columns(spec, true)) return rc;
+  int32_t inverse(cdouble* spectrum, int32_t rows, int32_t cols, double* out) {
+    if (int32_t rc = columns(spectrum, true)) return rc;
     double *hc = lines_.data(), *line = hc + C_;
     for (int32_t r = 0; r < rows; ++r) {
-      const cdouble* s = spec + static_cast<size_t>(r) * H_;
+      const cdouble* s = spectrum + static_cast<size_t>(r) * H_;
       hc[0] = s[0].real();
       for (int32_t k = 1; k < C_ - k; ++k) {
         hc[k] = s[k].real();
