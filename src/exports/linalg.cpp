@@ -37,15 +37,8 @@ void clear(int32_t* status) {
 
 // Scalar results: NaN on an error, except where the routine's own value
 // stands (a determinant of 0 for a matrix that is not positive definite).
-double* parts(double* x) { return x; }
-double* parts(JQComplex* x) { return &x->re; }
 template <class S> int32_t report_value(int32_t code, S* value, int32_t* status, bool keep = false) {
-  if (status) *status = code;
-  if (code < 0 && value && !keep) {
-    double* p = parts(value);
-    for (size_t i = 0; i < sizeof(S) / sizeof(double); ++i) p[i] = std::numeric_limits<double>::quiet_NaN();
-  }
-  return 0;
+  return report_scalar(code, keep ? nullptr : value, status);
 }
 
 // The element type of an export's scalar result.

@@ -7,8 +7,10 @@
 // either complete outputs or empty ones.
 #pragma once
 #include <cmath>
+#include <cstddef>
 #include <cstdint>
 #include <limits>
+#include <type_traits>
 
 #include "frame/errors.hpp"
 #include "frame/handles.hpp"
@@ -90,10 +92,15 @@ class Outputs {
 };
 
 // Scalar results reported through an error parameter: the error is the code
-// and a negative code turns the result into a quiet NaN. Always returns 0.
-inline int32_t report_scalar(int32_t code, double* result, int32_t* error) {
+// and a negative code turns the result (a double, or a record of doubles such
+// as a complex value) into quiet NaNs. Always returns 0.
+template <class S> int32_t report_scalar(int32_t code, S* result, int32_t* error) {
+  static_assert(std::is_standard_layout_v<S> && sizeof(S) % sizeof(double) == 0, "a result made of doubles");
   if (error) *error = code;
-  if (code < 0 && result) *result = std::numeric_limits<double>::quiet_NaN();
+  if (code < 0 && result) {
+    auto* parts = reinterpret_cast<double*>(result);
+    for (size_t i = 0; i < sizeof(S) / sizeof(double); ++i) parts[i] = std::numeric_limits<double>::quiet_NaN();
+  }
   return 0;
 }
 
