@@ -86,7 +86,7 @@ class Outputs {
   void add(int32_t type, int32_t dims, Handle* h) { entries_[count_++] = Entry{type, dims, h}; }
   bool resize(int32_t type, int32_t dims, Handle* h, int32_t rows, int32_t cols);
 
-  Entry entries_[kMax] = {};
+  Entry entries_[kMax];  // only the first count_ are set: zeroing all of them shows in small exports
   int count_ = 0;
   int32_t host_status_ = 0;
 };

@@ -9,22 +9,38 @@ namespace avx2 {
 const CodeletSet* find(int radix);
 PrimeBatch prime_batch_kernel();
 }
+namespace avx512 {
+const CodeletSet* find(int radix);
+PrimeBatch prime_batch_kernel();
+}
 
 namespace {
-bool use_avx2() {
+enum class Variant { kBaseline, kAvx2, kAvx512 };
+
+Variant variant() {
 #if defined(__x86_64__) || defined(__i386__)
-  static const bool yes = __builtin_cpu_supports("avx2");
-  return yes;
+  static const Variant v = __builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512vl") ? Variant::kAvx512
+                           : __builtin_cpu_supports("avx2")                                        ? Variant::kAvx2
+                                                                                                   : Variant::kBaseline;
+  return v;
 #else
-  return false;
+  return Variant::kBaseline;
 #endif
 }
 }  // namespace
 
-const CodeletSet* codelets_for(int radix) { return use_avx2() ? avx2::find(radix) : baseline::find(radix); }
+const CodeletSet* codelets_for(int radix) {
+  switch (variant()) {
+    case Variant::kAvx512: return avx512::find(radix);
+    case Variant::kAvx2: return avx2::find(radix);
+    default: return baseline::find(radix);
+  }
+}
 
 PrimeBatch generic_prime_batch() {
-  static const PrimeBatch k = use_avx2() ? avx2::prime_batch_kernel() : baseline::prime_batch_kernel();
+  static const PrimeBatch k = variant() == Variant::kAvx512 ? avx512::prime_batch_kernel()
+                              : variant() == Variant::kAvx2 ? avx2::prime_batch_kernel()
+                                                            : baseline::prime_batch_kernel();
   return k;
 }
 

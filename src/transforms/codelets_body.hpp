@@ -1,5 +1,5 @@
 // One instruction-set variant of the generated butterflies. Included by
-// codelets.cpp (baseline x86-64) and codelets_avx2.cpp (built with AVX2)
+// codelets.cpp (baseline x86-64), codelets_avx2.cpp and codelets_avx512.cpp
 // with JQ_CODELET_NS naming the variant. Both variants perform the same
 // operations in the same order, so their results are identical.
 //

@@ -385,6 +385,10 @@ int32_t ExecuteRealFFT(const FFTTable* t, const double* in, double* out, ptrdiff
     out[0] = in[0];
     return kOk;
   }
+  if (t->factor_count == 1 && t->kinds[0] == kCodelet) {
+    t->real_leaf[0](in, out, is, os, 0, 0, 1);
+    return kOk;
+  }
   return hc_level(t, 0, in, out, is, os, n);
 }
 
@@ -427,6 +431,10 @@ int32_t ExecuteComplexFFT(const FFTTable* t, const double* ir, const double* ii,
   if (n == 1) {
     or_[0] = ir[0];
     oi[0] = ii[0];
+    return kOk;
+  }
+  if (t->factor_count == 1 && t->kinds[0] == kCodelet) {
+    t->complex_leaf[0](ir, ii, or_, oi, is, os, 0, 0, 1);
     return kOk;
   }
   return cx_level(t, 0, ir, ii, or_, oi, is, os, n);

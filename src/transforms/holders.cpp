@@ -78,7 +78,7 @@ int32_t ReleaseTransformInstance(void** slot) {
 
 namespace jq::fft {
 
-int32_t TableSource::get(int which, uint32_t n, FFTTable** table) {
+int32_t TableSource::acquire(int which, uint32_t n, FFTTable** table) {
   void** slot = idp_ ? slots_[0] : slots_[which];
   if (!slot) {
     destroy_table(temporary_[which]);

@@ -22,10 +22,28 @@ class TableSource {
   TableSource& operator=(const TableSource&) = delete;
 
   // The table of length n for holder `which` (0 or 1). 0 or kNoMemory.
-  int32_t get(int which, uint32_t n, FFTTable** table);
+  // A call site that keeps its length finds its table without a call.
+  int32_t get(int which, uint32_t n, FFTTable** table) {
+    if (FFTTable* t = kept(which); t && static_cast<uint32_t>(t->length) == n) {
+      *table = t;
+      return 0;
+    }
+    return acquire(which, n, table);
+  }
 
  private:
   TableSource(void** a, void** b, bool idp) : slots_{a, b}, idp_(idp) {}
+  FFTTable* kept(int which) const {
+    void** slot = idp_ ? slots_[0] : slots_[which];
+    if (!slot || !*slot) return nullptr;
+    const TransformTableHolder* h = static_cast<TransformTableHolder*>(*slot);
+    if (idp_) {
+      const auto* inst = static_cast<const TransformInstance*>(*slot);
+      h = which == 0 ? inst->first : inst->second;
+    }
+    return h ? h->table : nullptr;
+  }
+  int32_t acquire(int which, uint32_t n, FFTTable** table);
   void** slots_[2];
   bool idp_;
   FFTTable* temporary_[2] = {nullptr, nullptr};

@@ -289,13 +289,37 @@ namespace avx2 {
 const CodeletSet* find(int radix);
 PrimeBatch prime_batch_kernel();
 }
+namespace avx512 {
+const CodeletSet* find(int radix);
+PrimeBatch prime_batch_kernel();
+}
 }  // namespace jq::fft
 
-// The AVX2 butterflies run four at a time, the baseline ones two at a time
-// or singly; all must give bit-identical results, on full vectors and on the
-// tails, for the strides the executors pass.
-TEST(FftEngine, InstructionSetVariantsAgreeBitForBit) {
-  if (!__builtin_cpu_supports("avx2")) GTEST_SKIP() << "no AVX2 here";
+namespace {
+struct Variant {
+  const char* name;
+  bool usable;
+  const jq::fft::CodeletSet* (*find)(int);
+  jq::fft::PrimeBatch (*prime)();
+};
+}  // namespace
+
+// The AVX2 and AVX-512 butterflies run four at a time, the baseline ones two
+// at a time or singly; all must give bit-identical results, on full vectors
+// and on the tails, for the strides the executors pass.
+class FftVariants : public ::testing::TestWithParam<Variant> {};
+
+INSTANTIATE_TEST_SUITE_P(
+    Engine, FftVariants,
+    ::testing::Values(Variant{"avx2", __builtin_cpu_supports("avx2") != 0, fft::avx2::find, fft::avx2::prime_batch_kernel},
+                      Variant{"avx512",
+                              __builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512vl"),
+                              fft::avx512::find, fft::avx512::prime_batch_kernel}),
+    [](const auto& info) { return std::string(info.param.name); });
+
+TEST_P(FftVariants, AgreeWithTheBaselineBitForBit) {
+  const Variant& v = GetParam();
+  if (!v.usable) GTEST_SKIP() << "no " << v.name << " here";
   struct LeafCase {
     ptrdiff_t is_per_count, os, odist_per_r;
     int count, idist;
@@ -304,7 +328,7 @@ TEST(FftEngine, InstructionSetVariantsAgreeBitForBit) {
   const LeafCase leaves[] = {{1, 1, 1, 1, 0, false}, {7, 1, 1, 7, 1, false}, {6, 2, 2, 6, 3, false},
                              {5, 1, 1, 10, 2, false}, {9, 2, 2, 9, 2, true}};
   for (int r : kCodeletRadices) {
-    const CodeletSet *a = avx2::find(r), *b = baseline::find(r);
+    const CodeletSet *a = v.find(r), *b = baseline::find(r);
     ASSERT_TRUE(a && b);
     for (const LeafCase& c : leaves) {
       const ptrdiff_t is = c.is_per_count * c.idist + (c.idist == 0), odist = c.odist_per_r * r;
@@ -354,7 +378,7 @@ TEST(FftEngine, InstructionSetVariantsAgreeBitForBit) {
       }
       const auto xr = random_values(p * B, p + B), xi = random_values(p * B, p - B);
       std::vector<double> ar(p * B), ai(p * B), br(p * B), bi(p * B);
-      avx2::prime_batch_kernel()(cs.data(), sn.data(), p, xr.data(), xi.data(), ar.data(), ai.data(), B);
+      v.prime()(cs.data(), sn.data(), p, xr.data(), xi.data(), ar.data(), ai.data(), B);
       baseline::prime_batch_kernel()(cs.data(), sn.data(), p, xr.data(), xi.data(), br.data(), bi.data(), B);
       EXPECT_EQ(ar, br) << "generic prime " << p << " batch " << B;
       EXPECT_EQ(ai, bi) << "generic prime " << p << " batch " << B;
