@@ -32,6 +32,19 @@ template <> inline V ld<V>(const double* p) {
 }
 inline void st_(double* p, double v) { *p = v; }
 inline void st_(double* p, V v) { __builtin_memcpy(p, &v, sizeof v); }
+
+#if JQ_LANES == 4
+// Two lanes: the tails of loops whose vectors have four.
+typedef double V2 __attribute__((vector_size(2 * sizeof(double))));
+typedef long long VI2 __attribute__((vector_size(2 * sizeof(long long))));
+template <> inline V2 ld<V2>(const double* p) {
+  V2 v;
+  __builtin_memcpy(&v, p, sizeof v);
+  return v;
+}
+inline void st_(double* p, V2 v) { __builtin_memcpy(p, &v, sizeof v); }
+inline V2 reversed(V2 v) { return __builtin_shuffle(v, VI2{1, 0}); }
+#endif
 template <class T> inline void st(double* p, T v) { st_(p, v); }
 
 inline V reversed(V v) {
@@ -49,6 +62,10 @@ template <> inline double ldr<double>(const double* p) { return *p; }
 template <> inline V ldr<V>(const double* p) { return reversed(ld<V>(p - (kW - 1))); }
 inline void str_(double* p, double v) { *p = v; }
 inline void str_(double* p, V v) { st_(p - (kW - 1), reversed(v)); }
+#if JQ_LANES == 4
+template <> inline V2 ldr<V2>(const double* p) { return reversed(ld<V2>(p - 1)); }
+inline void str_(double* p, V2 v) { st_(p - 1, reversed(v)); }
+#endif
 template <class T> inline void str(double* p, T v) { str_(p, v); }
 
 // The large butterflies run in two stages through a local buffer; for
@@ -57,6 +74,9 @@ template <class T> inline void str(double* p, T v) { str_(p, v); }
 // time fits well enough, and there the buffer is left to the compiler.
 inline void stage_barrier(double*) {}
 inline void stage_barrier(V* p) { asm volatile("" : : "r"(p) : "memory"); }
+#if JQ_LANES == 4
+inline void stage_barrier(V2* p) { asm volatile("" : : "r"(p) : "memory"); }
+#endif
 
 // ---- how a vector of one part of complex data is read and written
 
@@ -113,6 +133,35 @@ struct MemPair {
 #endif
   }
 };
+
+#if JQ_LANES == 4
+// Two consecutive values of split parts.
+struct MemSplit2 {
+  using T = V2;
+  static V2 ld(const double* p) { return jq::fft::JQ_CODELET_NS::ld<V2>(p); }
+  static V2 ldi(const double* p) { return jq::fft::JQ_CODELET_NS::ld<V2>(p); }
+  static void stc(double* pr, double* pi, V2 r, V2 i) {
+    st_(pr, r);
+    st_(pi, i);
+  }
+};
+
+// Two consecutive interleaved complex values.
+struct MemPair2 {
+  using T = V2;
+  static V2 ld(const double* p) {
+    return __builtin_shuffle(jq::fft::JQ_CODELET_NS::ld<V2>(p), jq::fft::JQ_CODELET_NS::ld<V2>(p + 2), VI2{0, 2});
+  }
+  static V2 ldi(const double* p) {
+    return __builtin_shuffle(jq::fft::JQ_CODELET_NS::ld<V2>(p - 1), jq::fft::JQ_CODELET_NS::ld<V2>(p + 1),
+                             VI2{1, 3});
+  }
+  static void stc(double* pr, double*, V2 r, V2 i) {
+    st_(pr, __builtin_shuffle(r, i, VI2{0, 2}));
+    st_(pr + 2, __builtin_shuffle(r, i, VI2{1, 3}));
+  }
+};
+#endif
 
 // ---- leaves: `count` DFTs, DFT c reading at in + c*idist, writing at out + c*odist
 
@@ -232,6 +281,34 @@ template <int In> struct LeafVector {
   }
 };
 
+#if JQ_LANES == 4
+// Two DFTs at once, for counts too small for a vector of four.
+struct LeafPair {
+  using T = V2;
+  ptrdiff_t idist, odist, os;
+  V2 ld(const double* p) const { return idist == 1 ? jq::fft::JQ_CODELET_NS::ld<V2>(p) : V2{p[0], p[idist]}; }
+  V2 ldi(const double* p) const { return ld(p); }
+  void st1(double* p, V2 v) const {
+    p[0] = v[0];
+    p[odist] = v[1];
+  }
+  void st4(double* p, V2 a, V2 b, V2 c, V2 d) const {
+    st1(p, a);
+    st1(p + os, b);
+    st1(p + 2 * os, c);
+    st1(p + 3 * os, d);
+  }
+  void stc1(double* pr, double* pi, V2 r, V2 i) const {
+    st1(pr, r);
+    st1(pi, i);
+  }
+  void stc4(double* pr, double* pi, V2 r0, V2 r1, V2 r2, V2 r3, V2 i0, V2 i1, V2 i2, V2 i3) const {
+    st4(pr, r0, r1, r2, r3);
+    st4(pi, i0, i1, i2, i3);
+  }
+};
+#endif
+
 // paired_in / paired_out: complex data whose imaginary parts sit right
 // after the real ones (strides of 2).
 template <class F>
@@ -256,6 +333,12 @@ inline void leaf_loop(const double* in, double* out, ptrdiff_t is, ptrdiff_t os,
   if (idist == 1) run(LeafVector<0>{idist, odist, os});
   else if (idist == 2 && paired_in && paired_out && os == 2) run(LeafVector<1>{idist, odist, os});
   else run(LeafVector<2>{idist, odist, os});
+#if JQ_LANES == 4
+  if (c + 2 <= count) {
+    body(LeafPair{idist, odist, os}, in + c * idist, out + c * odist, is, os);
+    c += 2;
+  }
+#endif
   const LeafScalar a{os};
   for (; c < count; ++c) body(a, in + c * idist, out + c * odist, is, os);
 }
@@ -287,11 +370,25 @@ inline void cx_twiddle_loop(double* re, double* im, const double* twc, const dou
                             F body) {
   const ptrdiff_t ms = m * s;
   int k = 0;
-  if (s == 1) {
+  const bool split = s == 1, paired = s == 2 && im == re + 1;
+  if (split) {
     for (; k + kW <= m; k += kW) body(MemSplit{}, re + k, im + k, twc + k, tws + k, ms, m);
-  } else if (s == 2 && im == re + 1) {
+  } else if (paired) {
     for (; k + kW <= m; k += kW) body(MemPair{}, re + 2 * k, im + 2 * k, twc + k, tws + k, ms, m);
   }
+#if JQ_LANES == 4
+  // Contiguous data finish with a pair and a single: cheaper than a padded
+  // vector through the buffer below.
+  if (split || paired) {
+    if (k + 2 <= m) {
+      if (split) body(MemSplit2{}, re + k, im + k, twc + k, tws + k, ms, m);
+      else body(MemPair2{}, re + 2 * k, im + 2 * k, twc + k, tws + k, ms, m);
+      k += 2;
+    }
+    for (; k < m; ++k) body(MemScalar{}, re + k * s, im + k * s, twc + k, tws + k, ms, m);
+    return;
+  }
+#endif
   if (m < kW) {
     for (; k < m; ++k) body(MemScalar{}, re + k * s, im + k * s, twc + k, tws + k, ms, m);
     return;
@@ -325,6 +422,16 @@ inline void hc_twiddle_loop(double* d, const double* twc, const double* tws, ptr
   int k = 1;
   if (s == 1)
     for (; k + kW - 1 <= half; k += kW) body(V{}, d + k, d + (m - k), twc + k, tws + k, ms, m);
+#if JQ_LANES == 4
+  if (s == 1) {
+    if (k + 1 <= half) {
+      body(V2{}, d + k, d + (m - k), twc + k, tws + k, ms, m);
+      k += 2;
+    }
+    for (; k <= half; ++k) body(0.0, d + k, d + (m - k), twc + k, tws + k, ms, m);
+    return;
+  }
+#endif
   if (half < kW) {
     for (; k <= half; ++k) body(0.0, d + k * s, d + (m - k) * s, twc + k, tws + k, ms, m);
     return;

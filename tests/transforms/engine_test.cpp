@@ -326,7 +326,8 @@ TEST_P(FftVariants, AgreeWithTheBaselineBitForBit) {
     bool interleaved;  // imaginary parts right after the real ones
   };
   const LeafCase leaves[] = {{1, 1, 1, 1, 0, false}, {7, 1, 1, 7, 1, false}, {6, 2, 2, 6, 3, false},
-                             {5, 1, 1, 10, 2, false}, {9, 2, 2, 9, 2, true}};
+                             {5, 1, 1, 10, 2, false}, {9, 2, 2, 9, 2, true},  {3, 1, 1, 3, 1, false},
+                             {2, 2, 2, 2, 4, false}};
   for (int r : kCodeletRadices) {
     const CodeletSet *a = v.find(r), *b = baseline::find(r);
     ASSERT_TRUE(a && b);
