@@ -192,6 +192,8 @@ JQ_API int32_t CxLUInvMatrix_head(JQ_IN JQMatC128 lu, JQ_IN JQArrI32 pivots, JQ_
  * (n - 1); a vector or a matrix of right-hand sides. */
 JQ_API int32_t TriDiagEqsByLU_head(JQ_IN JQArrF64 sub, JQ_IN JQArrF64 diag, JQ_IN JQArrF64 super, JQ_IN JQArrF64 b, JQ_OUT JQArrF64 x, JQ_OUT int32_t* status);
 JQ_API int32_t TriDiagEqsSetByLU_head(JQ_IN JQArrF64 sub, JQ_IN JQArrF64 diag, JQ_IN JQArrF64 super, JQ_IN JQMatF64 b, JQ_OUT JQMatF64 x, JQ_OUT int32_t* status);
+JQ_API int32_t CxTriDiagEqsByLU_head(JQ_IN JQArrC128 sub, JQ_IN JQArrC128 diag, JQ_IN JQArrC128 super, JQ_IN JQArrC128 b, JQ_OUT JQArrC128 x, JQ_OUT int32_t* status);
+JQ_API int32_t CxTriDiagEqsSetByLU_head(JQ_IN JQArrC128 sub, JQ_IN JQArrC128 diag, JQ_IN JQArrC128 super, JQ_IN JQMatC128 b, JQ_OUT JQMatC128 x, JQ_OUT int32_t* status);
 /* Tridiagonal LU with partial pivoting: multipliers l (n - 1), U's diagonal
  * d (n), its first and second superdiagonals u (n - 1) and u2 (n - 2),
  * 0-based pivots (n); an exactly zero pivot gives the warning 20003. */

@@ -734,11 +734,12 @@ template <class T> struct Tridiagonal {
   }
 };
 
-template <int Dims> int32_t tridiagonal_export(Handle sub, Handle diag, Handle super, Handle rhs, Handle x, int32_t* status) {
+template <class T, int Dims>
+int32_t tridiagonal_export(Handle sub, Handle diag, Handle super, Handle rhs, Handle x, int32_t* status) {
   clear(status);
-  Tridiagonal<double> t(sub, diag, super);
-  Rhs<double, Dims> b(rhs);
-  Out<double, Dims> res(x);
+  Tridiagonal<T> t(sub, diag, super);
+  Rhs<T, Dims> b(rhs);
+  Out<T, Dims> res(x);
   Outputs out(res);
   const int32_t n = t.n;
   if (int32_t code = t.checks(b.data, b.rows, b.k)) return out.report(code, status);
@@ -817,7 +818,11 @@ JQ_EXPORT int32_t CxLUInvMatrix_head(JQMatC128 lu, JQArrI32 pivots, JQMatC128 in
   return lu_inverse_export<cdouble>(lu, pivots, inverse, status);
 }
 JQ_EXPORT int32_t TriDiagEqsByLU_head(JQArrF64 sub, JQArrF64 diag, JQArrF64 super, JQArrF64 b, JQArrF64 x, int32_t* status) {
-  return tridiagonal_export<1>(sub, diag, super, b, x, status);
+  return tridiagonal_export<double, 1>(sub, diag, super, b, x, status);
+}
+JQ_EXPORT int32_t CxTriDiagEqsByLU_head(JQArrC128 sub, JQArrC128 diag, JQArrC128 super, JQArrC128 b, JQArrC128 x,
+                                        int32_t* status) {
+  return tridiagonal_export<cdouble, 1>(sub, diag, super, b, x, status);
 }
 JQ_EXPORT int32_t TriDiagLU_head(JQArrF64 sub, JQArrF64 diag, JQArrF64 super, JQArrF64 l, JQArrF64 d, JQArrF64 u,
                                  JQArrF64 u2, JQArrI32 pivots, int32_t* status) {
@@ -828,7 +833,11 @@ JQ_EXPORT int32_t CxTriDiagLU_head(JQArrC128 sub, JQArrC128 diag, JQArrC128 supe
   return tridiagonal_lu_export<cdouble>(sub, diag, super, l, d, u, u2, pivots, status);
 }
 JQ_EXPORT int32_t TriDiagEqsSetByLU_head(JQArrF64 sub, JQArrF64 diag, JQArrF64 super, JQMatF64 b, JQMatF64 x, int32_t* status) {
-  return tridiagonal_export<2>(sub, diag, super, b, x, status);
+  return tridiagonal_export<double, 2>(sub, diag, super, b, x, status);
+}
+JQ_EXPORT int32_t CxTriDiagEqsSetByLU_head(JQArrC128 sub, JQArrC128 diag, JQArrC128 super, JQMatC128 b, JQMatC128 x,
+                                           int32_t* status) {
+  return tridiagonal_export<cdouble, 2>(sub, diag, super, b, x, status);
 }
 JQ_EXPORT int32_t CheckSym_head(JQMatF64 a, int32_t* result, int32_t* status) { return property_export<double>(a, 0, result, status); }
 JQ_EXPORT int32_t CxCheckSym_head(JQMatC128 a, int32_t* result, int32_t* status) { return property_export<cdouble>(a, 0, result, status); }

@@ -82,6 +82,8 @@ void sig_dgttrf(const I*, double*, double*, double*, double*, I*, I*);
 void sig_zgttrf(const I*, cdouble*, cdouble*, cdouble*, cdouble*, I*, I*);
 void sig_dgttrs(const char*, const I*, const I*, const double*, const double*, const double*, const double*, const I*,
                 double*, const I*, I*);
+void sig_zgttrs(const char*, const I*, const I*, const cdouble*, const cdouble*, const cdouble*, const cdouble*,
+                const I*, cdouble*, const I*, I*);
 void sig_dgehrd(const I*, const I*, const I*, double*, const I*, double*, double*, const I*, I*);
 void sig_zgehrd(const I*, const I*, const I*, cdouble*, const I*, cdouble*, cdouble*, const I*, I*);
 void sig_dorghr(const I*, const I*, const I*, double*, const I*, const double*, double*, const I*, I*);

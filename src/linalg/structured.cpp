@@ -66,15 +66,18 @@ template <class T> struct TridiagonalFactors {
 
 }  // namespace
 
-int32_t tridiagonal_solve(const double* dl, const double* d, const double* du, int32_t n, const double* b, int32_t k,
-                          double* x) {
+template <class T>
+int32_t tridiagonal_solve(const T* dl, const T* d, const T* du, int32_t n, const T* b, int32_t k, T* x) {
   if (int32_t rc = ready()) return rc;
-  TridiagonalFactors<double> f;
-  Buffer<double> bc;
+  TridiagonalFactors<T> f;
+  Buffer<T> bc;
   if (to_column_major(b, n, k, bc, n) || f.factor(dl, d, du, n)) return kNoMemory;
   if (f.info > 0) return kSingular;
   I info = 0;
-  JQ_CALL(dgttrs, "N", &n, &k, f.l.data(), f.m.data(), f.u.data(), f.u2.data(), f.ipiv.data(), bc.data(), &n, &info);
+  if constexpr (std::is_same_v<T, double>)
+    JQ_CALL(dgttrs, "N", &n, &k, f.l.data(), f.m.data(), f.u.data(), f.u2.data(), f.ipiv.data(), bc.data(), &n, &info);
+  else
+    JQ_CALL(zgttrs, "N", &n, &k, f.l.data(), f.m.data(), f.u.data(), f.u2.data(), f.ipiv.data(), bc.data(), &n, &info);
   from_column_major(bc.data(), n, n, k, x);
   return kOk;
 }
@@ -478,6 +481,7 @@ int32_t generalized_eigen(const cdouble* a, const cdouble* b, int32_t n, cdouble
   template int32_t balance(const T*, int32_t, int32_t, T*, double*, int32_t*, int32_t*);         \
   template int32_t balance_back(T*, int32_t, int32_t, const double*, int32_t, int32_t, int32_t, int32_t); \
   template int32_t tridiagonal_lu(const T*, const T*, const T*, int32_t, T*, T*, T*, T*, int32_t*);                \
+  template int32_t tridiagonal_solve(const T*, const T*, const T*, int32_t, const T*, int32_t, T*);                \
   template int32_t sylvester_general(const T*, int32_t, const T*, int32_t, bool, bool, bool, const T*, T*);      \
   template int32_t lyapunov(const T*, int32_t, int32_t, const T*, T*);
 JQ_INSTANTIATE(double)

@@ -22,8 +22,8 @@ template <class T> int32_t lu_inverse(const T* lu, const int32_t* pivots, int32_
 // 0-based pivots. kWarnSingularLU with the factors kept on a zero pivot.
 template <class T>
 int32_t tridiagonal_lu(const T* dl, const T* d, const T* du, int32_t n, T* l, T* m, T* u, T* u2, int32_t* pivots);
-int32_t tridiagonal_solve(const double* dl, const double* d, const double* du, int32_t n, const double* b, int32_t k,
-                          double* x);
+template <class T>
+int32_t tridiagonal_solve(const T* dl, const T* d, const T* du, int32_t n, const T* b, int32_t k, T* x);
 
 // Symmetric (Hermitian) within n * eps * max|a|.
 template <class T> bool is_symmetric(const T* a, int32_t n);

@@ -2,7 +2,7 @@
 // numpy/scipy's, the equations in both conventions against scipy's solvers,
 // the real principal root, the sorted and complex generalized Schur forms by
 // their invariants and scipy.linalg.ordqz's eigenvalue groups, and the
-// complex tridiagonal LU against LAPACK's own factors.
+// complex tridiagonal LU against LAPACK's own factors and the dense solver.
 #include <cmath>
 
 #include "jqanlys.h"
@@ -305,7 +305,7 @@ TEST(Variants, ComplexGeneralizedSchurAndMove) {
   EXPECT_EQ(s.rows() + alpha.rows(), 0);
 }
 
-TEST(Variants, ComplexTridiagonalLUIsLapacks) {
+TEST(Variants, ComplexTridiagonalLUIsLapacksAndSolves) {
   lt::NoBufferLeft guard;
   const int n = 6;
   auto dl = lt::vector<cd>(tdcx_dl, n - 1), d = lt::vector<cd>(tdcx_d, n), du = lt::vector<cd>(tdcx_du, n - 1);
@@ -320,6 +320,23 @@ TEST(Variants, ComplexTridiagonalLUIsLapacks) {
   EXPECT_LT(lt::rel_error(u.data(), tdcx_u, n - 1), 1e-15);
   EXPECT_LT(lt::rel_error(u2.data(), tdcx_u2, n - 2), 1e-15);
   for (int i = 0; i < n; ++i) EXPECT_EQ(p.data()[i], tdcx_piv[i]);
+  // Solves agree with the dense solver on the same matrix.
+  jqrt::Array2<cd> full(n, n), b(n, 2), x2, xs;
+  for (int i = 0; i < n; ++i) {
+    full.data()[i * n + i] = d.data()[i];
+    if (i + 1 < n) full.data()[i * n + i + 1] = du.data()[i], full.data()[(i + 1) * n + i] = dl.data()[i];
+    b.data()[2 * i] = cd(std::cos(i), 1), b.data()[2 * i + 1] = cd(0.5, std::sin(i));
+  }
+  CxTriDiagEqsSetByLU_head(dl.h(), d.h(), du.h(), b.h(), xs.h(), &st);
+  EXPECT_EQ(st, 0);
+  CxEqsSetByLUDri_head(full.h(), b.h(), x2.h(), &st);
+  ASSERT_EQ(xs.rows(), n);
+  for (int i = 0; i < 2 * n; ++i) EXPECT_NEAR(std::abs(xs.data()[i] - x2.data()[i]), 0, 1e-13);
+  jqrt::Array<cd> bv(n), xv;
+  for (int i = 0; i < n; ++i) bv.data()[i] = b.data()[2 * i];
+  CxTriDiagEqsByLU_head(dl.h(), d.h(), du.h(), bv.h(), xv.h(), &st);
+  ASSERT_EQ(xv.rows(), n);
+  for (int i = 0; i < n; ++i) EXPECT_NEAR(std::abs(xv.data()[i] - x2.data()[2 * i]), 0, 1e-13);
   jqrt::Array<cd> shortdl(n - 2);
   CxTriDiagLU_head(shortdl.h(), d.h(), du.h(), l.h(), m.h(), u.h(), u2.h(), p.h(), &st);
   EXPECT_EQ(st, -20002);

@@ -15,8 +15,8 @@ struct StartingArguments {
 };
 
 const StartingArguments kStartingArguments[] = {
-    {"TriDiagEqsByLU_head", "sub=3/1 diag=4/4 super=3/1 b=4"},
-    {"TriDiagEqsSetByLU_head", "sub=3/1 diag=4/4 super=3/1 b=4x2"},
+    {"TriDiagEqsByLU_head CxTriDiagEqsByLU_head", "sub=3/1 diag=4/4 super=3/1 b=4"},
+    {"TriDiagEqsSetByLU_head CxTriDiagEqsSetByLU_head", "sub=3/1 diag=4/4 super=3/1 b=4x2"},
     {"TriDiagLU_head CxTriDiagLU_head", "sub=3/1 diag=4/4 super=3/1"},
     {"Schur80_head CxSchur80_head", "a=4x4/spd from=0 to=1"},
     {"QZ80_head CxQZ80_head", "a=4x4/spd b=4x4/spd from=0 to=1"},
