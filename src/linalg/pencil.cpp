@@ -32,7 +32,8 @@ int32_t pencil_schur(const T* a, const T* b, int32_t n, const PencilOrder& order
   const int64_t nn = int64_t{n} * n;
   Buffer<T> ac, h, r, lq, qm, qc, zc, tau, work, ea, eb;
   Buffer<double> wr, wi, wb, rwork;
-  if (to_column_major(a, n, n, ac, n) || h.allocate(nn) || r.allocate(nn) || lq.allocate(nn) || qm.allocate(nn) ||
+  if (to_column_major(a, n, n, ac, n) || h.allocate(nn) || r.allocate(nn) || lq.allocate(nn + kStrideSlack * n) ||
+      qm.allocate(nn + kStrideSlack * n) ||
       qc.allocate(nn) || zc.allocate(nn) || tau.allocate(n) || ea.allocate(n) || eb.allocate(n) || wr.allocate(n) ||
       wi.allocate(n) || wb.allocate(n) || rwork.allocate(n))
     return kNoMemory;
