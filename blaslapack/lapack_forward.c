@@ -13,8 +13,12 @@ extern void zgbsv_(void*, void*, void*, void*, void*, void*, void*, void*, void*
 JQBL_EXPORT void zgbsv(void* n, void* kl, void* ku, void* nrhs, void* ab, void* ldab, void* ipiv, void* b, void* ldb, void* info) { zgbsv_(n, kl, ku, nrhs, ab, ldab, ipiv, b, ldb, info); }
 extern void dgttrf_(void*, void*, void*, void*, void*, void*, void*);
 JQBL_EXPORT void dgttrf(void* n, void* dl, void* d, void* du, void* du2, void* ipiv, void* info) { dgttrf_(n, dl, d, du, du2, ipiv, info); }
+extern void zgttrf_(void*, void*, void*, void*, void*, void*, void*);
+JQBL_EXPORT void zgttrf(void* n, void* dl, void* d, void* du, void* du2, void* ipiv, void* info) { zgttrf_(n, dl, d, du, du2, ipiv, info); }
 extern void dgttrs_(void*, void*, void*, void*, void*, void*, void*, void*, void*, void*, void*, size_t);
 JQBL_EXPORT void dgttrs(void* trans, void* n, void* nrhs, void* dl, void* d, void* du, void* du2, void* ipiv, void* b, void* ldb, void* info) { dgttrs_(trans, n, nrhs, dl, d, du, du2, ipiv, b, ldb, info, 1); }
+extern void zgttrs_(void*, void*, void*, void*, void*, void*, void*, void*, void*, void*, void*, size_t);
+JQBL_EXPORT void zgttrs(void* trans, void* n, void* nrhs, void* dl, void* d, void* du, void* du2, void* ipiv, void* b, void* ldb, void* info) { zgttrs_(trans, n, nrhs, dl, d, du, du2, ipiv, b, ldb, info, 1); }
 extern void dposv_(void*, void*, void*, void*, void*, void*, void*, void*, size_t);
 JQBL_EXPORT void dposv(void* uplo, void* n, void* nrhs, void* a, void* lda, void* b, void* ldb, void* info) { dposv_(uplo, n, nrhs, a, lda, b, ldb, info, 1); }
 extern void zposv_(void*, void*, void*, void*, void*, void*, void*, void*, size_t);

@@ -13,7 +13,7 @@ import re
 import sys
 
 LAPACK = """
-dgesv zgesv dgbsv zgbsv dgttrf dgttrs dposv zposv dpptrf zpptrf dpptrs zpptrs
+dgesv zgesv dgbsv zgbsv dgttrf zgttrf dgttrs zgttrs dposv zposv dpptrf zpptrf dpptrs zpptrs
 dpptri zpptri dtptrs ztptrs dtptri ztptri
 dgetrf zgetrf dgetri zgetri dpotrf zpotrf dpotri zpotri dtrtri ztrtri
 dgeqp3 zgeqp3 dorgqr zungqr dgelqf zgelqf dorglq zunglq

@@ -192,10 +192,13 @@ JQ_API int32_t CxLUInvMatrix_head(JQ_IN JQMatC128 lu, JQ_IN JQArrI32 pivots, JQ_
  * (n - 1); a vector or a matrix of right-hand sides. */
 JQ_API int32_t TriDiagEqsByLU_head(JQ_IN JQArrF64 sub, JQ_IN JQArrF64 diag, JQ_IN JQArrF64 super, JQ_IN JQArrF64 b, JQ_OUT JQArrF64 x, JQ_OUT int32_t* status);
 JQ_API int32_t TriDiagEqsSetByLU_head(JQ_IN JQArrF64 sub, JQ_IN JQArrF64 diag, JQ_IN JQArrF64 super, JQ_IN JQMatF64 b, JQ_OUT JQMatF64 x, JQ_OUT int32_t* status);
+JQ_API int32_t CxTriDiagEqsByLU_head(JQ_IN JQArrC128 sub, JQ_IN JQArrC128 diag, JQ_IN JQArrC128 super, JQ_IN JQArrC128 b, JQ_OUT JQArrC128 x, JQ_OUT int32_t* status);
+JQ_API int32_t CxTriDiagEqsSetByLU_head(JQ_IN JQArrC128 sub, JQ_IN JQArrC128 diag, JQ_IN JQArrC128 super, JQ_IN JQMatC128 b, JQ_OUT JQMatC128 x, JQ_OUT int32_t* status);
 /* Tridiagonal LU with partial pivoting: multipliers l (n - 1), U's diagonal
  * d (n), its first and second superdiagonals u (n - 1) and u2 (n - 2),
  * 0-based pivots (n); an exactly zero pivot gives the warning 20003. */
 JQ_API int32_t TriDiagLU_head(JQ_IN JQArrF64 sub, JQ_IN JQArrF64 diag, JQ_IN JQArrF64 super, JQ_OUT JQArrF64 l, JQ_OUT JQArrF64 d, JQ_OUT JQArrF64 u, JQ_OUT JQArrF64 u2, JQ_OUT JQArrI32 pivots, JQ_OUT int32_t* status);
+JQ_API int32_t CxTriDiagLU_head(JQ_IN JQArrC128 sub, JQ_IN JQArrC128 diag, JQ_IN JQArrC128 super, JQ_OUT JQArrC128 l, JQ_OUT JQArrC128 d, JQ_OUT JQArrC128 u, JQ_OUT JQArrC128 u2, JQ_OUT JQArrI32 pivots, JQ_OUT int32_t* status);
 
 /* Property tests of a square matrix: result 1 or 0 (-1 on an error).
  * Symmetric (Hermitian) within n * eps * the largest magnitude; positive
@@ -233,6 +236,11 @@ JQ_API int32_t MatrixPower_head(JQ_IN JQMatF64 a, int32_t p, JQ_OUT JQMatF64 r, 
 JQ_API int32_t CxMatrixPower_head(JQ_IN JQMatC128 a, int32_t p, JQ_OUT JQMatC128 r, JQ_OUT int32_t* status);
 JQ_API int32_t MatrixSqrt_head(JQ_IN JQMatF64 a, JQ_OUT JQMatC128 x, JQ_OUT int32_t* status);
 JQ_API int32_t CxMatrixSqrt_head(JQ_IN JQMatC128 a, JQ_OUT JQMatC128 x, JQ_OUT int32_t* status);
+/* The principal square root with the status as the result. The real form
+ * gives a real root, which exists when no eigenvalue of A lies on the
+ * negative real axis (one does: -20027); the complex form always has one. */
+JQ_API int32_t MatrixSqrtH(JQ_IN JQMatF64 a, JQ_OUT JQMatF64 x);
+JQ_API int32_t CxMatrixSqrtH(JQ_IN JQMatC128 a, JQ_OUT JQMatC128 x);
 /* Principal logarithm of a diagonalizable matrix, through its
  * eigendecomposition (a zero eigenvalue: -20027); the matrix V diag(values)
  * V^-1 of given eigenvalues and eigenvectors (columns; V singular: -20041). */
@@ -275,6 +283,17 @@ JQ_API int32_t Sylvester_head(JQ_IN JQMatF64 a, JQ_IN JQMatF64 b, JQ_IN JQMatF64
 JQ_API int32_t CxSylvester_head(JQ_IN JQMatC128 a, JQ_IN JQMatC128 b, JQ_IN JQMatC128 c, JQ_OUT JQMatC128 x, JQ_OUT int32_t* status);
 JQ_API int32_t Lyapunov_head(JQ_IN JQMatF64 a, JQ_IN JQMatF64 c, JQ_OUT JQMatF64 x, JQ_OUT int32_t* status);
 JQ_API int32_t CxLyapunov_head(JQ_IN JQMatC128 a, JQ_IN JQMatC128 c, JQ_OUT JQMatC128 x, JQ_OUT int32_t* status);
+/* op(A) X + sign X op(B) = C, op(M) = M with trans 0 and M^H with trans 1,
+ * sign 1 or -1 (other values: -20061); no unique solution: -20041. */
+JQ_API int32_t Sylvester81_head(JQ_IN JQMatF64 a, JQ_IN JQMatF64 b, JQ_IN JQMatF64 c, int32_t trans_a, int32_t trans_b, int32_t sign, JQ_OUT JQMatF64 x, JQ_OUT int32_t* status);
+JQ_API int32_t CxSylvester81_head(JQ_IN JQMatC128 a, JQ_IN JQMatC128 b, JQ_IN JQMatC128 c, int32_t trans_a, int32_t trans_b, int32_t sign, JQ_OUT JQMatC128 x, JQ_OUT int32_t* status);
+/* Lyapunov equations in both conventions, continuous and discrete: type 0
+ * A X + X A^H = Q (as Lyapunov_head), 1 A^H X + X A = Q, 2 A X A^H - X + Q = 0,
+ * 3 A^H X A - X + Q = 0 (other types: -20061). No unique solution (an
+ * eigenvalue pair with l_i + conj(l_j) = 0, discrete: l_i conj(l_j) = 1):
+ * -20041. */
+JQ_API int32_t Lyapunov85_head(JQ_IN JQMatF64 a, JQ_IN JQMatF64 q, int32_t type, JQ_OUT JQMatF64 x, JQ_OUT int32_t* status);
+JQ_API int32_t CxLyapunov85_head(JQ_IN JQMatC128 a, JQ_IN JQMatC128 q, int32_t type, JQ_OUT JQMatC128 x, JQ_OUT int32_t* status);
 
 /* Banded systems: the full square A, of which kl sub-diagonals and ku
  * super-diagonals are used (negative: -20004). */
@@ -293,19 +312,55 @@ JQ_API int32_t CxMatrixBalance_head(JQ_IN JQMatC128 a, int32_t job, JQ_OUT JQMat
 JQ_API int32_t EigenVBack_head(JQ_INOUT JQMatF64 vectors, JQ_IN JQArrF64 scale, int32_t ilo, int32_t ihi, int32_t job, int32_t side, JQ_OUT int32_t* status);
 JQ_API int32_t CxEigenVBack_head(JQ_INOUT JQMatC128 vectors, JQ_IN JQArrF64 scale, int32_t ilo, int32_t ihi, int32_t job, int32_t side, JQ_OUT int32_t* status);
 
-/* Generalized real Schur form of a pair of n x n matrices: A = Q S Z^T,
- * B = Q T Z^T (S quasi upper triangular, T upper triangular); the
- * generalized eigenvalues are alpha / beta. B of another size: -20070. */
+/* Generalized Schur form of a pair of n x n matrices: A = Q S Z^H,
+ * B = Q T Z^H with Q, Z unitary, T upper triangular and S upper triangular
+ * (real data: quasi upper triangular, a 2 x 2 block for each complex pair);
+ * the generalized eigenvalues are alpha / beta, beta real and not negative
+ * (0: infinite). B of another size: -20070; no convergence: -20062.
+ * QZ_head uses LAPACK's driver (which balances the pair first). The other
+ * forms take the steps themselves: an LQ factorization of B's data
+ * triangularises B, then Hessenberg-triangular reduction and QZ iteration;
+ * there T's diagonal is real and not negative wherever S's block is 1 x 1,
+ * and alpha and beta are S's and T's diagonal elements. */
 JQ_API int32_t QZ_head(JQ_IN JQMatF64 a, JQ_IN JQMatF64 b, JQ_OUT JQMatF64 s, JQ_OUT JQMatF64 t, JQ_OUT JQMatF64 q, JQ_OUT JQMatF64 z, JQ_OUT JQArrC128 alpha, JQ_OUT JQArrF64 beta, JQ_OUT int32_t* status);
-/* The generalized Schur form with the diagonal block at row `from` moved to
- * row `to` (0-based; a 2 x 2 block moves whole; outside the matrix: -20061;
- * a swap too ill-conditioned to make: -20062). */
+JQ_API int32_t CxQZ_head(JQ_IN JQMatC128 a, JQ_IN JQMatC128 b, JQ_OUT JQMatC128 s, JQ_OUT JQMatC128 t, JQ_OUT JQMatC128 q, JQ_OUT JQMatC128 z, JQ_OUT JQArrC128 alpha, JQ_OUT JQArrF64 beta, JQ_OUT int32_t* status);
+/* The form with the diagonal block at row `from` moved to row `to`
+ * (0-based; a 2 x 2 block moves whole; outside the matrix: -20061; a swap
+ * too ill-conditioned to make: -20062). */
 JQ_API int32_t QZ80_head(JQ_IN JQMatF64 a, JQ_IN JQMatF64 b, int32_t from, int32_t to, JQ_OUT JQMatF64 s, JQ_OUT JQMatF64 t, JQ_OUT JQMatF64 q, JQ_OUT JQMatF64 z, JQ_OUT JQArrC128 alpha, JQ_OUT JQArrF64 beta, JQ_OUT int32_t* status);
+JQ_API int32_t CxQZ80_head(JQ_IN JQMatC128 a, JQ_IN JQMatC128 b, int32_t from, int32_t to, JQ_OUT JQMatC128 s, JQ_OUT JQMatC128 t, JQ_OUT JQMatC128 q, JQ_OUT JQMatC128 z, JQ_OUT JQArrC128 alpha, JQ_OUT JQArrF64 beta, JQ_OUT int32_t* status);
+/* The form sorted so that the selected eigenvalues come first, each group
+ * in its order (as scipy.linalg.ordqz): sort 0 none, 1 real part below 0,
+ * 2 real part above 0, 3 modulus below 1, 4 modulus above 1 (an infinite
+ * eigenvalue counts only there); others: -20061. selected: how many were
+ * put first (a pair counts 2), -1 on an error. */
+JQ_API int32_t TmiQZ_head(JQ_IN JQMatF64 a, JQ_IN JQMatF64 b, int32_t sort, JQ_OUT JQMatF64 s, JQ_OUT JQMatF64 t, JQ_OUT JQMatF64 q, JQ_OUT JQMatF64 z, JQ_OUT JQArrC128 alpha, JQ_OUT JQArrF64 beta, JQ_OUT int32_t* selected, JQ_OUT int32_t* status);
+JQ_API int32_t CxTmiQZ_head(JQ_IN JQMatC128 a, JQ_IN JQMatC128 b, int32_t sort, JQ_OUT JQMatC128 s, JQ_OUT JQMatC128 t, JQ_OUT JQMatC128 q, JQ_OUT JQMatC128 z, JQ_OUT JQArrC128 alpha, JQ_OUT JQArrF64 beta, JQ_OUT int32_t* selected, JQ_OUT int32_t* status);
 /* Generalized eigenvalues alpha / beta (beta real, not negative; 0:
  * infinite) of A x = lambda B x and the right eigenvectors as unit-length
  * columns. */
 JQ_API int32_t GenEigenEx_head(JQ_IN JQMatF64 a, JQ_IN JQMatF64 b, JQ_OUT JQArrC128 alpha, JQ_OUT JQArrF64 beta, JQ_OUT JQMatC128 vectors, JQ_OUT int32_t* status);
 JQ_API int32_t CxGenEigenEx_head(JQ_IN JQMatC128 a, JQ_IN JQMatC128 b, JQ_OUT JQArrC128 alpha, JQ_OUT JQArrF64 beta, JQ_OUT JQMatC128 vectors, JQ_OUT int32_t* status);
+
+/* Generated matrices. SpecialMatrix_head kinds (an unknown kind: -20061,
+ * checked first; a size it uses below 1 or a vector it needs empty:
+ * -20003): 0 identity, rows x cols; 1 diagonal from x; 2 Toeplitz, first
+ * column x, first row y (y empty: conj(x)); 3 Hankel, first column x, last
+ * row y (y[0] unused; y empty: zeros); 4 Vandermonde, len(x) x cols,
+ * decreasing powers; 5 Hilbert and 6 its inverse, rows x rows; 7 circulant,
+ * first column x; 8 symmetric Pascal, rows x rows; 9 companion of the
+ * polynomial with coefficients x, highest first (fewer than 2: -20006; a
+ * leading 0: -20061). Sizes a kind does not use are ignored. */
+JQ_API int32_t SpecialMatrix_head(int32_t kind, int32_t rows, int32_t cols, JQ_IN JQArrF64 x, JQ_IN JQArrF64 y, JQ_OUT JQMatF64 m, JQ_OUT int32_t* status);
+JQ_API int32_t CxSpecialMatrix_head(int32_t kind, int32_t rows, int32_t cols, JQ_IN JQArrC128 x, JQ_IN JQArrC128 y, JQ_OUT JQMatC128 m, JQ_OUT int32_t* status);
+/* rows x cols, every element the value (re + i im). */
+JQ_API int32_t InitialMatrixH(int32_t rows, int32_t cols, double value, JQ_OUT JQMatF64 m, JQ_OUT int32_t* status);
+JQ_API int32_t CxInitialMatrixH(int32_t rows, int32_t cols, double re, double im, JQ_OUT JQMatC128 m, JQ_OUT int32_t* status);
+/* order x order autocorrelation matrix of x (n values), Hermitian Toeplitz:
+ * R[i][j] = r[i - j] for i >= j with the biased estimate
+ * r[k] = (1/n) sum_t x[t + k] conj(x[t]), 0 at lags of n and beyond. */
+JQ_API int32_t AutoCorrMtrxH(JQ_IN JQArrF64 x, int32_t order, JQ_OUT JQMatF64 r, JQ_OUT int32_t* status);
+JQ_API int32_t CxAutoCorrMtrxH(JQ_IN JQArrC128 x, int32_t order, JQ_OUT JQMatC128 r, JQ_OUT int32_t* status);
 
 #ifdef __cplusplus
 }

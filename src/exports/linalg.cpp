@@ -10,7 +10,9 @@
 #include "linalg/decompose.hpp"
 #include "linalg/dense.hpp"
 #include "linalg/functions.hpp"
+#include "linalg/generated.hpp"
 #include "linalg/packed.hpp"
+#include "linalg/pencil.hpp"
 #include "linalg/structured.hpp"
 #include "linalg/svd.hpp"
 
@@ -719,11 +721,11 @@ template <class T> int32_t lu_inverse_export(Handle lu, Handle piv, Handle inv, 
 
 // The three diagonals, with the right-hand sides where there are some (b
 // null: none): empty, then lengths, then finiteness.
-struct Tridiagonal {
-  Array1<const double> dl, d, du;
+template <class T> struct Tridiagonal {
+  Array1<const T> dl, d, du;
   int32_t n;
   Tridiagonal(Handle sub, Handle diag, Handle super) : dl(sub), d(diag), du(super), n(d.size()) {}
-  int32_t checks(const double* b, int32_t rows, int32_t k) const {
+  int32_t checks(const T* b, int32_t rows, int32_t k) const {
     if (d.empty() || rows < 1 || k < 1 || (n > 1 && (dl.empty() || du.empty()))) return kEmptyInput;
     if ((n > 1 && (dl.size() != n - 1 || du.size() != n - 1)) || rows != n) return kLengthMismatch;
     if (has_non_finite(d.data(), n) || (n > 1 && (non_finite(dl) || non_finite(du))) || (b && has_non_finite(b, count(n, k))))
@@ -732,11 +734,12 @@ struct Tridiagonal {
   }
 };
 
-template <int Dims> int32_t tridiagonal_export(Handle sub, Handle diag, Handle super, Handle rhs, Handle x, int32_t* status) {
+template <class T, int Dims>
+int32_t tridiagonal_export(Handle sub, Handle diag, Handle super, Handle rhs, Handle x, int32_t* status) {
   clear(status);
-  Tridiagonal t(sub, diag, super);
-  Rhs<double, Dims> b(rhs);
-  Out<double, Dims> res(x);
+  Tridiagonal<T> t(sub, diag, super);
+  Rhs<T, Dims> b(rhs);
+  Out<T, Dims> res(x);
   Outputs out(res);
   const int32_t n = t.n;
   if (int32_t code = t.checks(b.data, b.rows, b.k)) return out.report(code, status);
@@ -744,11 +747,12 @@ template <int Dims> int32_t tridiagonal_export(Handle sub, Handle diag, Handle s
   return out.report(tridiagonal_solve(t.dl.data(), t.d.data(), t.du.data(), n, b.data, b.k, res.data()), status);
 }
 
+template <class T>
 int32_t tridiagonal_lu_export(Handle sub, Handle diag, Handle super, Handle l, Handle d, Handle u, Handle u2,
                               Handle pivots, int32_t* status) {
   clear(status);
-  Tridiagonal t(sub, diag, super);
-  Out<double> lo(l), mo(d), uo(u), u2o(u2);
+  Tridiagonal<T> t(sub, diag, super);
+  Out<T> lo(l), mo(d), uo(u), u2o(u2);
   Out<int32_t> po(pivots);
   Outputs out(lo, mo, uo, u2o, po);
   const int32_t n = t.n;
@@ -814,14 +818,26 @@ JQ_EXPORT int32_t CxLUInvMatrix_head(JQMatC128 lu, JQArrI32 pivots, JQMatC128 in
   return lu_inverse_export<cdouble>(lu, pivots, inverse, status);
 }
 JQ_EXPORT int32_t TriDiagEqsByLU_head(JQArrF64 sub, JQArrF64 diag, JQArrF64 super, JQArrF64 b, JQArrF64 x, int32_t* status) {
-  return tridiagonal_export<1>(sub, diag, super, b, x, status);
+  return tridiagonal_export<double, 1>(sub, diag, super, b, x, status);
+}
+JQ_EXPORT int32_t CxTriDiagEqsByLU_head(JQArrC128 sub, JQArrC128 diag, JQArrC128 super, JQArrC128 b, JQArrC128 x,
+                                        int32_t* status) {
+  return tridiagonal_export<cdouble, 1>(sub, diag, super, b, x, status);
 }
 JQ_EXPORT int32_t TriDiagLU_head(JQArrF64 sub, JQArrF64 diag, JQArrF64 super, JQArrF64 l, JQArrF64 d, JQArrF64 u,
                                  JQArrF64 u2, JQArrI32 pivots, int32_t* status) {
-  return tridiagonal_lu_export(sub, diag, super, l, d, u, u2, pivots, status);
+  return tridiagonal_lu_export<double>(sub, diag, super, l, d, u, u2, pivots, status);
+}
+JQ_EXPORT int32_t CxTriDiagLU_head(JQArrC128 sub, JQArrC128 diag, JQArrC128 super, JQArrC128 l, JQArrC128 d,
+                                   JQArrC128 u, JQArrC128 u2, JQArrI32 pivots, int32_t* status) {
+  return tridiagonal_lu_export<cdouble>(sub, diag, super, l, d, u, u2, pivots, status);
 }
 JQ_EXPORT int32_t TriDiagEqsSetByLU_head(JQArrF64 sub, JQArrF64 diag, JQArrF64 super, JQMatF64 b, JQMatF64 x, int32_t* status) {
-  return tridiagonal_export<2>(sub, diag, super, b, x, status);
+  return tridiagonal_export<double, 2>(sub, diag, super, b, x, status);
+}
+JQ_EXPORT int32_t CxTriDiagEqsSetByLU_head(JQArrC128 sub, JQArrC128 diag, JQArrC128 super, JQMatC128 b, JQMatC128 x,
+                                           int32_t* status) {
+  return tridiagonal_export<cdouble, 2>(sub, diag, super, b, x, status);
 }
 JQ_EXPORT int32_t CheckSym_head(JQMatF64 a, int32_t* result, int32_t* status) { return property_export<double>(a, 0, result, status); }
 JQ_EXPORT int32_t CxCheckSym_head(JQMatC128 a, int32_t* result, int32_t* status) { return property_export<cdouble>(a, 0, result, status); }
@@ -917,6 +933,17 @@ JQ_EXPORT int32_t MatrixSqrt_head(JQMatF64 a, JQMatC128 x, int32_t* status) {
 }
 JQ_EXPORT int32_t CxMatrixSqrt_head(JQMatC128 a, JQMatC128 x, int32_t* status) {
   return complex_function_export<cdouble>(a, x, status, matrix_sqrt<cdouble>);
+}
+// The status as the result.
+JQ_EXPORT int32_t MatrixSqrtH(JQMatF64 a, JQMatF64 x) {
+  int32_t status;
+  square_to_square<double>(a, x, &status, matrix_sqrt_real);
+  return status;
+}
+JQ_EXPORT int32_t CxMatrixSqrtH(JQMatC128 a, JQMatC128 x) {
+  int32_t status;
+  complex_function_export<cdouble>(a, x, &status, matrix_sqrt<cdouble>);
+  return status;
 }
 JQ_EXPORT int32_t MatrixLn_head(JQMatF64 a, JQMatC128 l, int32_t* status) {
   return complex_function_export<double>(a, l, status, matrix_log<double>);
@@ -1068,8 +1095,11 @@ JQ_EXPORT int32_t CxTri_InvMatrix_head(JQArrC128 l, JQArrC128 inverse, int32_t* 
 
 namespace {
 
-// A X + X B = C (lyapunov: B = A^H, with B's handle unused).
-template <class T> int32_t sylvester_export(Handle ha, Handle hb, Handle hc, Handle x, bool lyapunov, int32_t* status) {
+// Sylvester and Lyapunov equations: A and B (the Lyapunov forms: A again,
+// B's handle unused) square, C of their sizes, the selectors, finiteness.
+template <class T, class F>
+int32_t equation_export(Handle ha, Handle hb, Handle hc, Handle x, bool lyapunov, bool selectors_ok, int32_t* status,
+                        F compute) {
   clear(status);
   Mat<T> a(ha), b(lyapunov ? ha : hb), c(hc);
   Out2<T> res(x);
@@ -1077,9 +1107,35 @@ template <class T> int32_t sylvester_export(Handle ha, Handle hb, Handle hc, Han
   if (a.empty() || b.empty() || c.empty()) return out.report(kEmptyInput, status);
   if (a.rows() != a.cols() || b.rows() != b.cols()) return out.report(kDimMismatch, status);
   if (c.rows() != a.rows() || c.cols() != b.rows()) return out.report(kIncompatibleDims, status);
+  if (!selectors_ok) return out.report(kBadSelector, status);
   if (non_finite(a) || non_finite(b) || non_finite(c)) return out.report(kNonFiniteMatrix, status);
   if (!out.size(res, c.rows(), c.cols())) return out.report(kNoMemory, status);
-  return out.report(sylvester(a.data(), a.rows(), b.data(), b.rows(), lyapunov, c.data(), res.data()), status);
+  return out.report(compute(a.data(), a.rows(), b.data(), b.rows(), c.data(), res.data()), status);
+}
+
+// A X + X B = C (lyapunov: B = A^H).
+template <class T> int32_t sylvester_export(Handle ha, Handle hb, Handle hc, Handle x, bool lyapunov, int32_t* status) {
+  return equation_export<T>(ha, hb, hc, x, lyapunov, true, status,
+                            [&](const T* a, int32_t m, const T* b, int32_t n, const T* c, T* r) {
+                              return sylvester(a, m, b, n, lyapunov, c, r);
+                            });
+}
+
+template <class T>
+int32_t sylvester81_export(Handle ha, Handle hb, Handle hc, int32_t trans_a, int32_t trans_b, int32_t sign, Handle x,
+                           int32_t* status) {
+  const bool ok = (trans_a == 0 || trans_a == 1) && (trans_b == 0 || trans_b == 1) && (sign == 1 || sign == -1);
+  return equation_export<T>(ha, hb, hc, x, false, ok, status,
+                            [&](const T* a, int32_t m, const T* b, int32_t n, const T* c, T* r) {
+                              return sylvester_general(a, m, b, n, trans_a == 1, trans_b == 1, sign < 0, c, r);
+                            });
+}
+
+template <class T> int32_t lyapunov85_export(Handle ha, Handle hq, int32_t type, Handle x, int32_t* status) {
+  return equation_export<T>(ha, nullptr, hq, x, true, type >= 0 && type <= 3, status,
+                            [&](const T* a, int32_t n, const T*, int32_t, const T* q, T* r) {
+                              return lyapunov(a, n, type, q, r);
+                            });
 }
 
 template <class T, int Dims> int32_t band_export(Handle m, int32_t kl, int32_t ku, Handle rhs, Handle x, int32_t* status) {
@@ -1108,6 +1164,20 @@ JQ_EXPORT int32_t Lyapunov_head(JQMatF64 a, JQMatF64 c, JQMatF64 x, int32_t* sta
 }
 JQ_EXPORT int32_t CxLyapunov_head(JQMatC128 a, JQMatC128 c, JQMatC128 x, int32_t* status) {
   return sylvester_export<cdouble>(a, nullptr, c, x, true, status);
+}
+JQ_EXPORT int32_t Sylvester81_head(JQMatF64 a, JQMatF64 b, JQMatF64 c, int32_t trans_a, int32_t trans_b, int32_t sign,
+                                   JQMatF64 x, int32_t* status) {
+  return sylvester81_export<double>(a, b, c, trans_a, trans_b, sign, x, status);
+}
+JQ_EXPORT int32_t CxSylvester81_head(JQMatC128 a, JQMatC128 b, JQMatC128 c, int32_t trans_a, int32_t trans_b,
+                                     int32_t sign, JQMatC128 x, int32_t* status) {
+  return sylvester81_export<cdouble>(a, b, c, trans_a, trans_b, sign, x, status);
+}
+JQ_EXPORT int32_t Lyapunov85_head(JQMatF64 a, JQMatF64 q, int32_t type, JQMatF64 x, int32_t* status) {
+  return lyapunov85_export<double>(a, q, type, x, status);
+}
+JQ_EXPORT int32_t CxLyapunov85_head(JQMatC128 a, JQMatC128 q, int32_t type, JQMatC128 x, int32_t* status) {
+  return lyapunov85_export<cdouble>(a, q, type, x, status);
 }
 JQ_EXPORT int32_t BandEqsDriH(JQMatF64 a, int32_t kl, int32_t ku, JQArrF64 b, JQArrF64 x, int32_t* status) {
   return band_export<double, 1>(a, kl, ku, b, x, status);
@@ -1228,33 +1298,48 @@ JQ_EXPORT int32_t CxEigenVBack_head(JQMatC128 vectors, JQArrF64 scale, int32_t i
 }
 
 namespace {
-// A square pencil: A square, then B of A's shape, then the block positions
-// where there are some, then finiteness.
-template <class T>
-int32_t pencil_checks(const Mat<T>& x, const Mat<T>& y, bool moves = false, int32_t from = 0, int32_t to = 0) {
+// A square pencil: A square, then B of A's shape, then the selectors (block
+// positions, a sort), then finiteness.
+template <class T> int32_t pencil_checks(const Mat<T>& x, const Mat<T>& y, bool selectors_ok = true) {
   if (x.empty() || y.empty()) return kEmptyInput;
   if (x.rows() != x.cols()) return kDimMismatch;
   if (y.rows() != y.cols() || y.rows() != x.rows()) return kDimMismatch2;
-  if (moves && !positions_valid(x.rows(), from, to)) return kBadSelector;
+  if (!selectors_ok) return kBadSelector;
   return non_finite(x) || non_finite(y) ? kNonFiniteMatrix : kOk;
 }
 
-int32_t qz_export(Handle a, Handle b, bool moves, int32_t from, int32_t to, Handle s, Handle t, Handle q, Handle z,
-                  Handle alpha, Handle beta, int32_t* status) {
+// The generalized Schur forms: by LAPACK's driver (real data), step by step
+// with a block moved, or sorted (selected: how many eigenvalues it put
+// first, -1 on an error).
+enum class QzForm { kDriver, kMove, kSort };
+
+template <class T>
+int32_t qz_export(Handle a, Handle b, QzForm form, PencilOrder order, Handle s, Handle t, Handle q, Handle z,
+                  Handle alpha, Handle beta, int32_t* selected, int32_t* status) {
   clear(status);
-  Mat<double> x(a), y(b);
-  Out2<double> so(s), to_(t), qo(q), zo(z);
+  if (selected) *selected = -1;
+  Mat<T> x(a), y(b);
+  Out2<T> so(s), to_(t), qo(q), zo(z);
   Out<cdouble> ao(alpha);
   Out<double> bo(beta);
   Outputs out(so, to_, qo, zo, ao, bo);
-  if (int32_t code = pencil_checks(x, y, moves, from, to)) return out.report(code, status);
   const int32_t n = x.rows();
+  const bool ok = form == QzForm::kMove   ? positions_valid(n, order.from, order.to)
+                  : form == QzForm::kSort ? order.sort >= kSortNone && order.sort <= kSortOutside
+                                          : true;
+  if (int32_t code = pencil_checks(x, y, ok)) return out.report(code, status);
   if (!out.size(so, n, n) || !out.size(to_, n, n) || !out.size(qo, n, n) || !out.size(zo, n, n) || !out.size(ao, n) ||
       !out.size(bo, n))
     return out.report(kNoMemory, status);
-  return out.report(qz_moved(x.data(), y.data(), n, moves ? from : -1, to, so.data(), to_.data(), qo.data(), zo.data(),
-                             ao.data(), bo.data()),
-                    status);
+  int32_t code, chosen = 0;
+  if constexpr (std::is_same_v<T, double>)
+    if (form == QzForm::kDriver)
+      return out.report(qz(x.data(), y.data(), n, so.data(), to_.data(), qo.data(), zo.data(), ao.data(), bo.data()),
+                        status);
+  code = pencil_schur(x.data(), y.data(), n, order, so.data(), to_.data(), qo.data(), zo.data(), ao.data(), bo.data(),
+                      &chosen);
+  if (code >= 0 && selected) *selected = chosen;
+  return out.report(code, status);
 }
 
 template <class T> int32_t generalized_eigen_export(Handle a, Handle b, Handle alpha, Handle beta, Handle vectors, int32_t* status) {
@@ -1282,9 +1367,89 @@ JQ_EXPORT int32_t CxGenEigenEx_head(JQMatC128 a, JQMatC128 b, JQArrC128 alpha, J
 
 JQ_EXPORT int32_t QZ_head(JQMatF64 a, JQMatF64 b, JQMatF64 s, JQMatF64 t, JQMatF64 q, JQMatF64 z, JQArrC128 alpha,
                           JQArrF64 beta, int32_t* status) {
-  return qz_export(a, b, false, 0, 0, s, t, q, z, alpha, beta, status);
+  return qz_export<double>(a, b, QzForm::kDriver, {}, s, t, q, z, alpha, beta, nullptr, status);
+}
+JQ_EXPORT int32_t CxQZ_head(JQMatC128 a, JQMatC128 b, JQMatC128 s, JQMatC128 t, JQMatC128 q, JQMatC128 z,
+                            JQArrC128 alpha, JQArrF64 beta, int32_t* status) {
+  return qz_export<cdouble>(a, b, QzForm::kDriver, {}, s, t, q, z, alpha, beta, nullptr, status);
 }
 JQ_EXPORT int32_t QZ80_head(JQMatF64 a, JQMatF64 b, int32_t from, int32_t to, JQMatF64 s, JQMatF64 t, JQMatF64 q,
                             JQMatF64 z, JQArrC128 alpha, JQArrF64 beta, int32_t* status) {
-  return qz_export(a, b, true, from, to, s, t, q, z, alpha, beta, status);
+  return qz_export<double>(a, b, QzForm::kMove, {from, to, kSortNone}, s, t, q, z, alpha, beta, nullptr, status);
+}
+JQ_EXPORT int32_t CxQZ80_head(JQMatC128 a, JQMatC128 b, int32_t from, int32_t to, JQMatC128 s, JQMatC128 t,
+                              JQMatC128 q, JQMatC128 z, JQArrC128 alpha, JQArrF64 beta, int32_t* status) {
+  return qz_export<cdouble>(a, b, QzForm::kMove, {from, to, kSortNone}, s, t, q, z, alpha, beta, nullptr, status);
+}
+JQ_EXPORT int32_t TmiQZ_head(JQMatF64 a, JQMatF64 b, int32_t sort, JQMatF64 s, JQMatF64 t, JQMatF64 q, JQMatF64 z,
+                             JQArrC128 alpha, JQArrF64 beta, int32_t* selected, int32_t* status) {
+  return qz_export<double>(a, b, QzForm::kSort, {-1, -1, sort}, s, t, q, z, alpha, beta, selected, status);
+}
+JQ_EXPORT int32_t CxTmiQZ_head(JQMatC128 a, JQMatC128 b, int32_t sort, JQMatC128 s, JQMatC128 t, JQMatC128 q,
+                               JQMatC128 z, JQArrC128 alpha, JQArrF64 beta, int32_t* selected, int32_t* status) {
+  return qz_export<cdouble>(a, b, QzForm::kSort, {-1, -1, sort}, s, t, q, z, alpha, beta, selected, status);
+}
+
+// ---- generated matrices --------------------------------------------------------------------
+
+namespace {
+
+template <class T>
+int32_t special_export(int32_t kind, int32_t rows, int32_t cols, Handle hx, Handle hy, Handle m, int32_t* status) {
+  clear(status);
+  Array1<const T> x(hx), y(hy);
+  Out2<T> res(m);
+  Outputs out(res);
+  int32_t r, c;
+  if (int32_t code = special_shape(kind, rows, cols, std::max(x.size(), 0), std::max(y.size(), 0), &r, &c))
+    return out.report(code, status);
+  const bool uses_x = kind != kIdentity && kind != kHilbert && kind != kInvHilbert && kind != kPascal;
+  const bool uses_y = kind == kToeplitz || kind == kHankel;
+  if ((uses_x && non_finite(x)) || (uses_y && non_finite(y))) return out.report(kNonFiniteMatrix, status);
+  if (count(r, c) > INT32_MAX || !out.size(res, r, c)) return out.report(kNoMemory, status);
+  return out.report(special_matrix(kind, x.data(), x.size(), y.data(), std::max(y.size(), 0), r, c, res.data()), status);
+}
+
+template <class T> int32_t fill_export(int32_t rows, int32_t cols, T value, Handle m, int32_t* status) {
+  clear(status);
+  Out2<T> res(m);
+  Outputs out(res);
+  if (rows < 1 || cols < 1) return out.report(kEmptyInput, status);
+  if (count(rows, cols) > INT32_MAX || !out.size(res, rows, cols)) return out.report(kNoMemory, status);
+  std::fill(res.data(), res.data() + count(rows, cols), value);
+  return out.report(kOk, status);
+}
+
+template <class T> int32_t autocorrelation_export(Handle hx, int32_t order, Handle m, int32_t* status) {
+  clear(status);
+  Array1<const T> x(hx);
+  Out2<T> res(m);
+  Outputs out(res);
+  if (x.empty() || order < 1) return out.report(kEmptyInput, status);
+  if (non_finite(x)) return out.report(kNonFiniteMatrix, status);
+  if (count(order, order) > INT32_MAX || !out.size(res, order, order)) return out.report(kNoMemory, status);
+  return out.report(autocorrelation_matrix(x.data(), x.size(), order, res.data()), status);
+}
+
+}  // namespace
+
+JQ_EXPORT int32_t SpecialMatrix_head(int32_t kind, int32_t rows, int32_t cols, JQArrF64 x, JQArrF64 y, JQMatF64 m,
+                                     int32_t* status) {
+  return special_export<double>(kind, rows, cols, x, y, m, status);
+}
+JQ_EXPORT int32_t CxSpecialMatrix_head(int32_t kind, int32_t rows, int32_t cols, JQArrC128 x, JQArrC128 y, JQMatC128 m,
+                                       int32_t* status) {
+  return special_export<cdouble>(kind, rows, cols, x, y, m, status);
+}
+JQ_EXPORT int32_t InitialMatrixH(int32_t rows, int32_t cols, double value, JQMatF64 m, int32_t* status) {
+  return fill_export<double>(rows, cols, value, m, status);
+}
+JQ_EXPORT int32_t CxInitialMatrixH(int32_t rows, int32_t cols, double re, double im, JQMatC128 m, int32_t* status) {
+  return fill_export<cdouble>(rows, cols, cdouble(re, im), m, status);
+}
+JQ_EXPORT int32_t AutoCorrMtrxH(JQArrF64 x, int32_t order, JQMatF64 r, int32_t* status) {
+  return autocorrelation_export<double>(x, order, r, status);
+}
+JQ_EXPORT int32_t CxAutoCorrMtrxH(JQArrC128 x, int32_t order, JQMatC128 r, int32_t* status) {
+  return autocorrelation_export<cdouble>(x, order, r, status);
 }

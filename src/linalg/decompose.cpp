@@ -107,7 +107,7 @@ template <class T> int32_t qr(const T* a, int32_t m, int32_t n, T* q, T* r, int3
   if (!pivots) {
     // Unpivoted: the LQ factorization of the row-major data (A^T = L Q')
     // is A = Q'^T L^T, so R and Q are read straight from the row-major view.
-    if (c.allocate(int64_t{m} * n)) return kNoMemory;
+    if (c.allocate(int64_t{m} * n + kStrideSlack * n)) return kNoMemory;
     std::memcpy(static_cast<void*>(c.data()), a, sizeof(T) * static_cast<size_t>(m) * n);
     Blas<T>::gelqf(n, m, c.data(), n, tau.data(), &query, -1, &info);
     if (work.allocate(workspace(query))) return kNoMemory;

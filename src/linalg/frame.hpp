@@ -89,6 +89,13 @@ template <class T> I workspace(T query, int64_t at_least = 1) {
   return static_cast<I>(q > static_cast<double>(at_least) ? q : static_cast<double>(at_least));
 }
 
+// OpenBLAS's complex matrix-vector kernels load a strided vector four
+// elements at a time and may read up to three strides past its end (LQ
+// factorizations apply reflectors stored along rows this way). Blocks handed
+// to them carry this many leading dimensions of slack, so that the read stays
+// inside the block.
+constexpr int64_t kStrideSlack = 4;
+
 // Complex conjugate, the identity for real data.
 template <class T> T conj_of(T x) {
   if constexpr (std::is_same_v<T, double>)

@@ -6,6 +6,7 @@
 
 #include "linalg/decompose.hpp"
 #include "linalg/dense.hpp"
+#include "linalg/structured.hpp"
 
 namespace jq::linalg {
 namespace {
@@ -146,6 +147,25 @@ template <class T> int32_t matrix_sqrt(const T* a, int32_t n, cdouble* x) {
   JQ_CALL(cblas_zgemm, kColMajor, kNoTrans, kNoTrans, n, n, n, &one, z.data(), n, root.data(), n, &zero, tmp.data(), n);
   JQ_CALL(cblas_zgemm, kColMajor, kNoTrans, kConjTrans, n, n, n, &one, tmp.data(), n, z.data(), n, &zero, root.data(), n);
   from_column_major(root.data(), n, n, n, x);
+  return kOk;
+}
+
+int32_t matrix_sqrt_real(const double* a, int32_t n, double* x) {
+  if (int32_t rc = ready()) return rc;
+  const int64_t nn = int64_t{n} * n;
+  Buffer<double> s, z;
+  Buffer<cdouble> root;
+  if (s.allocate(nn) || z.allocate(nn) || root.allocate(nn)) return kNoMemory;
+  // The real eigenvalues are the 1 x 1 blocks of the real Schur form, exactly.
+  if (int32_t rc = schur(a, n, s.data(), z.data())) return rc;
+  for (int32_t k = 0; k < n; ++k) {
+    const bool alone = (k == 0 || s[static_cast<size_t>(k) * n + k - 1] == 0) &&
+                       (k == n - 1 || s[static_cast<size_t>(k + 1) * n + k] == 0);
+    if (alone && s[static_cast<size_t>(k) * n + k] < 0) return kNonPositiveLog;
+  }
+  if (int32_t rc = matrix_sqrt(a, n, root.data())) return rc;
+  // Real in exact arithmetic: what is left of the imaginary part is rounding.
+  for (int64_t i = 0; i < nn; ++i) x[i] = root[i].real();
   return kOk;
 }
 

@@ -14,6 +14,9 @@ template <class T> int32_t matrix_power(const T* a, int32_t n, int32_t p, T* r);
 // The principal square root through the complex Schur form A = Z T Z^H:
 // the upper triangular root of T, then Z R Z^H.
 template <class T> int32_t matrix_sqrt(const T* a, int32_t n, cdouble* x);
+// The same for a real matrix whose principal root is real, that is, with no
+// eigenvalue on the negative real axis (kNonPositiveLog otherwise).
+int32_t matrix_sqrt_real(const double* a, int32_t n, double* x);
 
 // V diag(values) V^-1 (n x n); kSingular when V has no inverse.
 template <class T> int32_t from_eigen(const T* values, const T* v, int32_t n, T* a);

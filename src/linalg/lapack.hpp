@@ -79,8 +79,11 @@ void sig_zgelqf(const I*, const I*, cdouble*, const I*, cdouble*, cdouble*, cons
 void sig_dorglq(const I*, const I*, const I*, double*, const I*, const double*, double*, const I*, I*);
 void sig_zunglq(const I*, const I*, const I*, cdouble*, const I*, const cdouble*, cdouble*, const I*, I*);
 void sig_dgttrf(const I*, double*, double*, double*, double*, I*, I*);
+void sig_zgttrf(const I*, cdouble*, cdouble*, cdouble*, cdouble*, I*, I*);
 void sig_dgttrs(const char*, const I*, const I*, const double*, const double*, const double*, const double*, const I*,
                 double*, const I*, I*);
+void sig_zgttrs(const char*, const I*, const I*, const cdouble*, const cdouble*, const cdouble*, const cdouble*,
+                const I*, cdouble*, const I*, I*);
 void sig_dgehrd(const I*, const I*, const I*, double*, const I*, double*, double*, const I*, I*);
 void sig_zgehrd(const I*, const I*, const I*, cdouble*, const I*, cdouble*, cdouble*, const I*, I*);
 void sig_dorghr(const I*, const I*, const I*, double*, const I*, const double*, double*, const I*, I*);
@@ -128,6 +131,12 @@ void sig_dtgevc(const char*, const char*, const I*, const I*, const double*, con
 void sig_dtgexc(const I*, const I*, const I*, double*, const I*, double*, const I*, double*, const I*, double*,
                 const I*, I*, I*, double*, const I*, I*);
 
+void sig_dgghrd(const char*, const char*, const I*, const I*, const I*, double*, const I*, double*, const I*,
+                double*, const I*, double*, const I*, I*);
+void sig_dhgeqz(const char*, const char*, const char*, const I*, const I*, const I*, double*, const I*, double*,
+                const I*, double*, double*, double*, double*, const I*, double*, const I*, double*, const I*, I*);
+void sig_ztgexc(const I*, const I*, const I*, cdouble*, const I*, cdouble*, const I*, cdouble*, const I*, cdouble*,
+                const I*, const I*, I*, I*);
 void sig_zgghrd(const char*, const char*, const I*, const I*, const I*, cdouble*, const I*, cdouble*, const I*,
                 cdouble*, const I*, cdouble*, const I*, I*);
 void sig_zhgeqz(const char*, const char*, const char*, const I*, const I*, const I*, cdouble*, const I*, cdouble*,
@@ -157,8 +166,14 @@ template <> struct Blas<double> {
   static void gemm_t(int ta, int tb, I m, I n, I k, const double* a, I lda, const double* b, I ldb, double* c, I ldc) {
     JQ_CALL(cblas_dgemm, kRowMajor, ta, tb, m, n, k, 1.0, a, lda, b, ldb, 0.0, c, ldc);
   }
+  // Column-major product, for work that stays in LAPACK's layout.
+  static void gemm_cm(int ta, int tb, I m, I n, I k, const double* a, I lda, const double* b, I ldb, double* c,
+                      I ldc) {
+    JQ_CALL(cblas_dgemm, kColMajor, ta, tb, m, n, k, 1.0, a, lda, b, ldb, 0.0, c, ldc);
+  }
   static double nrm2(I n, const double* x) { return JQ_CALL(cblas_dnrm2, n, x, 1); }
   static double dot(I n, const double* x, const double* y) { return JQ_CALL(cblas_ddot, n, x, 1, y, 1); }
+  static double dotc(I n, const double* x, const double* y) { return JQ_CALL(cblas_ddot, n, x, 1, y, 1); }
   static void axpy(I n, double a, const double* x, double* y) { JQ_CALL(cblas_daxpy, n, a, x, 1, y, 1); }
   static void scal(I n, double a, double* x, I inc) { JQ_CALL(cblas_dscal, n, a, x, inc); }
   // Singular value decomposition; rwork is unused for real data.
@@ -242,11 +257,22 @@ template <> struct Blas<cdouble> {
     const cdouble one = 1.0, zero = 0.0;
     JQ_CALL(cblas_zgemm, kRowMajor, ta, tb, m, n, k, &one, a, lda, b, ldb, &zero, c, ldc);
   }
+  static void gemm_cm(int ta, int tb, I m, I n, I k, const cdouble* a, I lda, const cdouble* b, I ldb, cdouble* c,
+                      I ldc) {
+    const cdouble one = 1.0, zero = 0.0;
+    JQ_CALL(cblas_zgemm, kColMajor, ta, tb, m, n, k, &one, a, lda, b, ldb, &zero, c, ldc);
+  }
   static double nrm2(I n, const cdouble* x) { return JQ_CALL(cblas_dznrm2, n, x, 1); }
   // Unconjugated, as x^T y.
   static cdouble dot(I n, const cdouble* x, const cdouble* y) {
     cdouble r;
     JQ_CALL(cblas_zdotu_sub, n, x, 1, y, 1, &r);
+    return r;
+  }
+  // Conjugated, as x^H y.
+  static cdouble dotc(I n, const cdouble* x, const cdouble* y) {
+    cdouble r;
+    JQ_CALL(cblas_zdotc_sub, n, x, 1, y, 1, &r);
     return r;
   }
   static void axpy(I n, cdouble a, const cdouble* x, cdouble* y) { JQ_CALL(cblas_zaxpy, n, &a, x, 1, y, 1); }

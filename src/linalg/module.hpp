@@ -12,7 +12,7 @@ namespace jq::linalg {
   X(cblas_daxpy) X(cblas_dcopy) X(cblas_ddot) X(cblas_dnrm2) X(cblas_dscal) X(cblas_idamax)                  \
   X(cblas_zaxpy) X(cblas_zcopy) X(cblas_zdotc_sub) X(cblas_zdotu_sub) X(cblas_dznrm2) X(cblas_zscal)         \
   X(cblas_dgemv) X(cblas_zgemv) X(cblas_dgemm) X(cblas_zgemm) X(cblas_dsyrk)                                 \
-  X(dgesv) X(zgesv) X(dgbsv) X(zgbsv) X(dgttrf) X(dgttrs) X(dposv) X(zposv) X(dpptrf) X(zpptrf) X(dpptrs)    \
+  X(dgesv) X(zgesv) X(dgbsv) X(zgbsv) X(dgttrf) X(zgttrf) X(dgttrs) X(zgttrs) X(dposv) X(zposv) X(dpptrf) X(zpptrf) X(dpptrs)    \
   X(zpptrs) X(dpptri) X(zpptri) X(dtptrs) X(ztptrs) X(dtptri) X(ztptri)                                      \
   X(dgetrf) X(zgetrf) X(dgetri) X(zgetri) X(dpotrf) X(zpotrf) X(dpotri) X(zpotri) X(dtrtri) X(ztrtri)        \
   X(dgeqp3) X(zgeqp3) X(dorgqr) X(zungqr) X(dgelqf) X(zgelqf) X(dorglq) X(zunglq)                            \

@@ -41,51 +41,58 @@ template <class T> int32_t lu_inverse(const T* lu, const int32_t* pivots, int32_
 
 namespace {
 
-// dgttrf on copies of the three diagonals; info > 0 on an exactly zero pivot.
-struct TridiagonalFactors {
-  Buffer<double> l, m, u, u2;
+// dgttrf (zgttrf) on copies of the three diagonals; info > 0 on an exactly
+// zero pivot.
+template <class T> struct TridiagonalFactors {
+  Buffer<T> l, m, u, u2;
   Scratch<I> ipiv;
   I info = 0;
-  int32_t factor(const double* dl, const double* d, const double* du, int32_t n) {
+  int32_t factor(const T* dl, const T* d, const T* du, int32_t n) {
     const int32_t off = std::max(n - 1, 1);
     if (l.allocate(off) || m.allocate(n) || u.allocate(off) || u2.allocate(std::max(n - 2, 1)) || ipiv.allocate(n))
       return kNoMemory;
     if (n > 1) {
-      std::memcpy(l.data(), dl, sizeof(double) * (n - 1));
-      std::memcpy(u.data(), du, sizeof(double) * (n - 1));
+      std::memcpy(static_cast<void*>(l.data()), dl, sizeof(T) * (n - 1));
+      std::memcpy(static_cast<void*>(u.data()), du, sizeof(T) * (n - 1));
     }
-    std::memcpy(m.data(), d, sizeof(double) * n);
-    JQ_CALL(dgttrf, &n, l.data(), m.data(), u.data(), u2.data(), ipiv.data(), &info);
+    std::memcpy(static_cast<void*>(m.data()), d, sizeof(T) * n);
+    if constexpr (std::is_same_v<T, double>)
+      JQ_CALL(dgttrf, &n, l.data(), m.data(), u.data(), u2.data(), ipiv.data(), &info);
+    else
+      JQ_CALL(zgttrf, &n, l.data(), m.data(), u.data(), u2.data(), ipiv.data(), &info);
     return kOk;
   }
 };
 
 }  // namespace
 
-int32_t tridiagonal_solve(const double* dl, const double* d, const double* du, int32_t n, const double* b, int32_t k,
-                          double* x) {
+template <class T>
+int32_t tridiagonal_solve(const T* dl, const T* d, const T* du, int32_t n, const T* b, int32_t k, T* x) {
   if (int32_t rc = ready()) return rc;
-  TridiagonalFactors f;
-  Buffer<double> bc;
+  TridiagonalFactors<T> f;
+  Buffer<T> bc;
   if (to_column_major(b, n, k, bc, n) || f.factor(dl, d, du, n)) return kNoMemory;
   if (f.info > 0) return kSingular;
   I info = 0;
-  JQ_CALL(dgttrs, "N", &n, &k, f.l.data(), f.m.data(), f.u.data(), f.u2.data(), f.ipiv.data(), bc.data(), &n, &info);
+  if constexpr (std::is_same_v<T, double>)
+    JQ_CALL(dgttrs, "N", &n, &k, f.l.data(), f.m.data(), f.u.data(), f.u2.data(), f.ipiv.data(), bc.data(), &n, &info);
+  else
+    JQ_CALL(zgttrs, "N", &n, &k, f.l.data(), f.m.data(), f.u.data(), f.u2.data(), f.ipiv.data(), bc.data(), &n, &info);
   from_column_major(bc.data(), n, n, k, x);
   return kOk;
 }
 
-int32_t tridiagonal_lu(const double* dl, const double* d, const double* du, int32_t n, double* l, double* m, double* u,
-                       double* u2, int32_t* pivots) {
+template <class T>
+int32_t tridiagonal_lu(const T* dl, const T* d, const T* du, int32_t n, T* l, T* m, T* u, T* u2, int32_t* pivots) {
   if (int32_t rc = ready()) return rc;
-  TridiagonalFactors f;
+  TridiagonalFactors<T> f;
   if (f.factor(dl, d, du, n)) return kNoMemory;
   if (n > 1) {
-    std::memcpy(l, f.l.data(), sizeof(double) * (n - 1));
-    std::memcpy(u, f.u.data(), sizeof(double) * (n - 1));
+    std::memcpy(static_cast<void*>(l), f.l.data(), sizeof(T) * (n - 1));
+    std::memcpy(static_cast<void*>(u), f.u.data(), sizeof(T) * (n - 1));
   }
-  if (n > 2) std::memcpy(u2, f.u2.data(), sizeof(double) * (n - 2));
-  std::memcpy(m, f.m.data(), sizeof(double) * n);
+  if (n > 2) std::memcpy(static_cast<void*>(u2), f.u2.data(), sizeof(T) * (n - 2));
+  std::memcpy(static_cast<void*>(m), f.m.data(), sizeof(T) * n);
   for (int32_t i = 0; i < n; ++i) pivots[i] = f.ipiv[i] - 1;
   // An exactly zero pivot: the factors stand, as for a dense LU.
   return f.info > 0 ? kWarnSingularLU : kOk;
@@ -232,6 +239,64 @@ template <class T> int32_t sylvester(const T* a, int32_t m, const T* b, int32_t 
   return kOk;
 }
 
+namespace {
+template <class T> void adjoint_into(const T* a, int32_t n, T* out) {
+  for (int32_t i = 0; i < n; ++i)
+    for (int32_t j = 0; j < n; ++j) out[static_cast<size_t>(i) * n + j] = conj_of(a[static_cast<size_t>(j) * n + i]);
+}
+}  // namespace
+
+template <class T>
+int32_t sylvester_general(const T* a, int32_t m, const T* b, int32_t n, bool adjoint_a, bool adjoint_b, bool minus,
+                          const T* c, T* x) {
+  if (int32_t rc = ready()) return rc;
+  const int64_t nn = int64_t{n} * n;
+  Buffer<T> ao, bo;
+  const T *aa = a, *bb = b;
+  if (adjoint_a) {
+    if (ao.allocate(int64_t{m} * m)) return kNoMemory;
+    adjoint_into(a, m, ao.data());
+    aa = ao.data();
+  }
+  if (adjoint_b || minus) {
+    if (bo.allocate(nn)) return kNoMemory;
+    if (adjoint_b)
+      adjoint_into(b, n, bo.data());
+    else
+      std::memcpy(static_cast<void*>(bo.data()), b, sizeof(T) * nn);
+    // A X - X B = C is A X + X (-B) = C.
+    if (minus) Blas<T>::scal(static_cast<I>(nn), -1.0, bo.data(), 1);
+    bb = bo.data();
+  }
+  return sylvester(aa, m, bb, n, false, c, x);
+}
+
+template <class T> int32_t lyapunov(const T* a, int32_t n, int32_t type, const T* q, T* x) {
+  if (int32_t rc = ready()) return rc;
+  const int64_t nn = int64_t{n} * n;
+  Buffer<T> ah, w, mi, bt, cm;
+  const T* op = a;
+  if (type & 1) {
+    if (ah.allocate(nn)) return kNoMemory;
+    adjoint_into(a, n, ah.data());
+    op = ah.data();
+  }
+  if (type < 2) return sylvester(op, n, op, n, true, q, x);
+  // Discrete: the bilinear map B = (A + I)^-1 (A - I) turns A X A^H - X + Q = 0
+  // into B X + X B^H = -2 (A + I)^-1 Q (A + I)^-H. A + I singular means A has
+  // the eigenvalue -1, and the discrete equation is singular too.
+  if (w.allocate(nn) || mi.allocate(nn) || bt.allocate(nn) || cm.allocate(nn)) return kNoMemory;
+  std::memcpy(static_cast<void*>(w.data()), op, sizeof(T) * nn);
+  for (int32_t i = 0; i < n; ++i) w[static_cast<size_t>(i) * n + i] += 1.0;
+  if (int32_t rc = inverse_lu(w.data(), n, mi.data())) return rc;
+  for (int32_t i = 0; i < n; ++i) w[static_cast<size_t>(i) * n + i] -= 2.0;
+  Blas<T>::gemm(n, n, n, mi.data(), n, w.data(), n, bt.data(), n);
+  Blas<T>::gemm(n, n, n, mi.data(), n, q, n, w.data(), n);
+  Blas<T>::gemm_t(kNoTrans, kConjTrans, n, n, n, w.data(), n, mi.data(), n, cm.data(), n);
+  Blas<T>::scal(static_cast<I>(nn), -2.0, cm.data(), 1);
+  return sylvester(bt.data(), n, bt.data(), n, true, cm.data(), x);
+}
+
 // LAPACK's band layout: column j of the band holds A(i, j) at row
 // kl + ku + i - j, kl rows on top being room for the fill-in.
 template <class T> int32_t band_solve(const T* a, int32_t n, int32_t kl, int32_t ku, const T* b, int32_t k, T* x) {
@@ -279,11 +344,6 @@ int32_t balance_back(T* v, int32_t n, int32_t m, const double* scale, int32_t il
 
 int32_t qz(const double* a, const double* b, int32_t n, double* s, double* t, double* q, double* z, cdouble* alpha,
            double* beta) {
-  return qz_moved(a, b, n, -1, -1, s, t, q, z, alpha, beta);
-}
-
-int32_t qz_moved(const double* a, const double* b, int32_t n, int32_t from, int32_t to, double* s, double* t, double* q,
-                 double* z, cdouble* alpha, double* beta) {
   if (int32_t rc = ready()) return rc;
   const int64_t nn = int64_t{n} * n;
   Buffer<double> ac, bc, qc, zc, ar, ai, work;
@@ -302,24 +362,6 @@ int32_t qz_moved(const double* a, const double* b, int32_t n, int32_t from, int3
           qc.data(), &n, zc.data(), &n, work.data(), &lwork, bwork.data(), &info);
   if (info > 0) return kNoConvergence;
   for (int32_t j = 0; j < n; ++j) alpha[j] = {ar[j], ai[j]};
-  if (from >= 0 && from != to) {
-    I first = from + 1, last = to + 1;
-    const I yes = 1, need = std::max(workspace(query), 4 * n + 16);
-    if (need > lwork && work.allocate(need)) return kNoMemory;
-    JQ_CALL(dtgexc, &yes, &yes, &n, ac.data(), &n, bc.data(), &n, qc.data(), &n, zc.data(), &n, &first, &last,
-            work.data(), &need, &info);
-    if (info != 0) return kNoConvergence;
-    // The block keeps its eigenvalues: move its (alpha, beta) pairs the way
-    // the block moved (LAPACK reports both positions as block starts).
-    const int32_t f = first - 1, l = last - 1, size = ai[f] != 0 ? 2 : 1;
-    if (f < l) {
-      std::rotate(alpha + f, alpha + f + size, alpha + l + size);
-      std::rotate(beta + f, beta + f + size, beta + l + size);
-    } else if (f > l) {
-      std::rotate(alpha + l, alpha + f, alpha + f + size);
-      std::rotate(beta + l, beta + f, beta + f + size);
-    }
-  }
   from_column_major(ac.data(), n, n, n, s);
   from_column_major(bc.data(), n, n, n, t);
   from_column_major(qc.data(), n, n, n, q);
@@ -437,7 +479,11 @@ int32_t generalized_eigen(const cdouble* a, const cdouble* b, int32_t n, cdouble
   template int32_t sylvester(const T*, int32_t, const T*, int32_t, bool, const T*, T*);      \
   template int32_t band_solve(const T*, int32_t, int32_t, int32_t, const T*, int32_t, T*);     \
   template int32_t balance(const T*, int32_t, int32_t, T*, double*, int32_t*, int32_t*);         \
-  template int32_t balance_back(T*, int32_t, int32_t, const double*, int32_t, int32_t, int32_t, int32_t);
+  template int32_t balance_back(T*, int32_t, int32_t, const double*, int32_t, int32_t, int32_t, int32_t); \
+  template int32_t tridiagonal_lu(const T*, const T*, const T*, int32_t, T*, T*, T*, T*, int32_t*);                \
+  template int32_t tridiagonal_solve(const T*, const T*, const T*, int32_t, const T*, int32_t, T*);                \
+  template int32_t sylvester_general(const T*, int32_t, const T*, int32_t, bool, bool, bool, const T*, T*);      \
+  template int32_t lyapunov(const T*, int32_t, int32_t, const T*, T*);
 JQ_INSTANTIATE(double)
 JQ_INSTANTIATE(cdouble)
 

@@ -20,10 +20,10 @@ template <class T> int32_t lu_inverse(const T* lu, const int32_t* pivots, int32_
 // LU of a tridiagonal matrix with partial pivoting: multipliers l (n-1), U's
 // diagonal m (n), first and second superdiagonals u (n-1), u2 (n-2) and the
 // 0-based pivots. kWarnSingularLU with the factors kept on a zero pivot.
-int32_t tridiagonal_lu(const double* dl, const double* d, const double* du, int32_t n, double* l, double* m, double* u,
-                       double* u2, int32_t* pivots);
-int32_t tridiagonal_solve(const double* dl, const double* d, const double* du, int32_t n, const double* b, int32_t k,
-                          double* x);
+template <class T>
+int32_t tridiagonal_lu(const T* dl, const T* d, const T* du, int32_t n, T* l, T* m, T* u, T* u2, int32_t* pivots);
+template <class T>
+int32_t tridiagonal_solve(const T* dl, const T* d, const T* du, int32_t n, const T* b, int32_t k, T* x);
 
 // Symmetric (Hermitian) within n * eps * max|a|.
 template <class T> bool is_symmetric(const T* a, int32_t n);
@@ -46,6 +46,16 @@ template <class T> int32_t characteristic_polynomial(const T* a, int32_t n, T* c
 // A and B; kSingular when A and -B share (or nearly share) an eigenvalue.
 // adjoint_b solves A X + X B^H = C instead (Lyapunov: B = A).
 template <class T> int32_t sylvester(const T* a, int32_t m, const T* b, int32_t n, bool adjoint_b, const T* c, T* x);
+// op(A) X + X op(B) = C, or op(A) X - X op(B) = C with minus; op the
+// conjugate transpose where asked.
+template <class T>
+int32_t sylvester_general(const T* a, int32_t m, const T* b, int32_t n, bool adjoint_a, bool adjoint_b, bool minus,
+                          const T* c, T* x);
+// Lyapunov equations of an n x n A: type 0 A X + X A^H = Q, 1 A^H X + X A = Q
+// (continuous); 2 A X A^H - X + Q = 0, 3 A^H X A - X + Q = 0 (discrete,
+// through the bilinear map). kSingular when the equation has no unique
+// solution.
+template <class T> int32_t lyapunov(const T* a, int32_t n, int32_t type, const T* q, T* x);
 
 // X (n x k) solving A X = B for A with kl sub- and ku super-diagonals (the
 // rest of the full matrix A is ignored).
@@ -61,18 +71,15 @@ int32_t balance(const T* a, int32_t n, int32_t job, T* b, double* scale, int32_t
 template <class T>
 int32_t balance_back(T* v, int32_t n, int32_t m, const double* scale, int32_t ilo, int32_t ihi, int32_t job, int32_t side);
 
-// Generalized real Schur form of the pair (A, B): A = Q S Z^T, B = Q T Z^T
-// with S quasi upper triangular, T upper triangular, Q and Z orthogonal; the
-// generalized eigenvalues are alpha[j] / beta[j].
 // Generalized eigenvalues alpha / beta of A x = lambda B x and the right
 // eigenvectors (columns, unit length), through the real Schur pair.
 int32_t generalized_eigen(const double* a, const double* b, int32_t n, cdouble* alpha, double* beta, cdouble* v);
 int32_t generalized_eigen(const cdouble* a, const cdouble* b, int32_t n, cdouble* alpha, double* beta, cdouble* v);
+// Generalized real Schur form of the pair (A, B) by LAPACK's driver:
+// A = Q S Z^T, B = Q T Z^T with S quasi upper triangular, T upper
+// triangular, Q and Z orthogonal; the generalized eigenvalues are
+// alpha[j] / beta[j]. (pencil_schur takes the steps one by one.)
 int32_t qz(const double* a, const double* b, int32_t n, double* s, double* t, double* q, double* z, cdouble* alpha,
            double* beta);
-// The same with the diagonal block at `from` moved to `to` (0-based; from < 0
-// moves nothing); kNoConvergence when a swap is refused.
-int32_t qz_moved(const double* a, const double* b, int32_t n, int32_t from, int32_t to, double* s, double* t, double* q,
-                 double* z, cdouble* alpha, double* beta);
 
 }  // namespace jq::linalg

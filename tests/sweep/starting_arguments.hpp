@@ -15,11 +15,12 @@ struct StartingArguments {
 };
 
 const StartingArguments kStartingArguments[] = {
-    {"TriDiagEqsByLU_head", "sub=3/1 diag=4/4 super=3/1 b=4"},
-    {"TriDiagEqsSetByLU_head", "sub=3/1 diag=4/4 super=3/1 b=4x2"},
-    {"TriDiagLU_head", "sub=3/1 diag=4/4 super=3/1"},
+    {"TriDiagEqsByLU_head CxTriDiagEqsByLU_head", "sub=3/1 diag=4/4 super=3/1 b=4"},
+    {"TriDiagEqsSetByLU_head CxTriDiagEqsSetByLU_head", "sub=3/1 diag=4/4 super=3/1 b=4x2"},
+    {"TriDiagLU_head CxTriDiagLU_head", "sub=3/1 diag=4/4 super=3/1"},
     {"Schur80_head CxSchur80_head", "a=4x4/spd from=0 to=1"},
-    {"QZ80_head", "a=4x4/spd b=4x4/spd from=0 to=1"},
+    {"QZ80_head CxQZ80_head", "a=4x4/spd b=4x4/spd from=0 to=1"},
+    {"Sylvester81_head CxSylvester81_head", "a=4x4/spd b=3x3/spd c=4x3 trans_a=0 trans_b=1 sign=-1"},
     {"Compact_to_Matrix_head CxCompact_to_Matrix_head CompactToMatrix_H CxCompactToMatrix_H", "packed=10/ramp"},
     {"CholeskyLinEqs_head CxCholeskyLinEqs_head", "factor=10/ramp b=4"},
     {"Cholesky_InvMatrix_head CxCholesky_InvMatrix_head", "factor=10/ramp"},
