@@ -363,6 +363,9 @@ inline void gather_twiddle_rows(double* bc, double* bs, const double* twc, const
     }
 }
 
+// Whether r rows ms values apart would compete for a few cache sets.
+inline bool conflicting_rows(ptrdiff_t ms, int r) { return r >= 16 && ms >= 256 && ms % 256 == 0; }
+
 // Complex: butterflies k = 0 .. m-1; the twiddle rows hold m entries, the
 // first being 1.
 template <class F>
@@ -371,6 +374,37 @@ inline void cx_twiddle_loop(double* re, double* im, const double* twc, const dou
   const ptrdiff_t ms = m * s;
   int k = 0;
   const bool split = s == 1, paired = s == 2 && im == re + 1;
+#if JQ_LANES == 4
+  if ((split || paired) && conflicting_rows(ms, r)) {
+    // As for the half-complex form below: blocks of columns, with their
+    // twiddles, copied to closely spaced rows (split parts) and back.
+    constexpr int B = 2 * kW, P = B + kW;
+    alignas(32) double buf[4 * kMaxRadix * P];
+    double *br = buf, *bi = buf + r * P, *bc = buf + 2 * r * P, *bs = buf + 3 * r * P;
+    for (; k + B <= m; k += B) {
+      for (int t = 0; t < r; ++t) {
+        const double *xr = re + t * ms + k * s, *xi = im + t * ms + k * s;
+        for (int i = 0; i < B; ++i) {
+          br[t * P + i] = xr[i * s];
+          bi[t * P + i] = xi[i * s];
+        }
+      }
+      for (int t = 0; t < r - 1; ++t)
+        for (int i = 0; i < B; ++i) {
+          bc[t * P + i] = twc[t * m + k + i];
+          bs[t * P + i] = tws[t * m + k + i];
+        }
+      for (int j = 0; j < B; j += kW) body(MemSplit{}, br + j, bi + j, bc + j, bs + j, ptrdiff_t{P}, ptrdiff_t{P});
+      for (int t = 0; t < r; ++t) {
+        double *xr = re + t * ms + k * s, *xi = im + t * ms + k * s;
+        for (int i = 0; i < B; ++i) {
+          xr[i * s] = br[t * P + i];
+          xi[i * s] = bi[t * P + i];
+        }
+      }
+    }
+  }
+#endif
   if (split) {
     for (; k + kW <= m; k += kW) body(MemSplit{}, re + k, im + k, twc + k, tws + k, ms, m);
   } else if (paired) {
@@ -420,6 +454,40 @@ inline void hc_twiddle_loop(double* d, const double* twc, const double* tws, ptr
   const ptrdiff_t ms = m * s;
   const int half = (m - 1) / 2;
   int k = 1;
+#if JQ_LANES == 4
+  if (s == 1 && conflicting_rows(ms, r)) {
+    // Rows a multiple of 2 KiB apart fall into the same few cache sets, and
+    // r of them overflow those sets' ways; blocks of columns are copied to
+    // closely spaced rows first, twiddles with them.
+    constexpr int B = 2 * kW, P = B + kW;
+    alignas(32) double buf[4 * kMaxRadix * P];
+    double *bf = buf, *bb = buf + r * P, *bc = buf + 2 * r * P, *bs = buf + 3 * r * P;
+    for (; k + B - 1 <= half; k += B) {
+      for (int t = 0; t < r; ++t) {
+        const double* f = d + t * ms + k;
+        const double* b = d + t * ms + (m - k - (B - 1));
+        for (int i = 0; i < B; ++i) {
+          bf[t * P + i] = f[i];
+          bb[t * P + i] = b[i];
+        }
+      }
+      for (int t = 0; t < r - 1; ++t)
+        for (int i = 0; i < B; ++i) {
+          bc[t * P + i] = twc[t * m + k + i];
+          bs[t * P + i] = tws[t * m + k + i];
+        }
+      for (int j = 0; j < B; j += kW) body(V{}, bf + j, bb + (B - 1) - j, bc + j, bs + j, ptrdiff_t{P}, ptrdiff_t{P});
+      for (int t = 0; t < r; ++t) {
+        double* f = d + t * ms + k;
+        double* b = d + t * ms + (m - k - (B - 1));
+        for (int i = 0; i < B; ++i) {
+          f[i] = bf[t * P + i];
+          b[i] = bb[t * P + i];
+        }
+      }
+    }
+  }
+#endif
   if (s == 1)
     for (; k + kW - 1 <= half; k += kW) body(V{}, d + k, d + (m - k), twc + k, tws + k, ms, m);
 #if JQ_LANES == 4

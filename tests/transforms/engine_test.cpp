@@ -347,7 +347,7 @@ TEST_P(FftVariants, AgreeWithTheBaselineBitForBit) {
       b->real_leaf(xr.data(), br.data(), is, c.os, c.idist, odist, c.count);
       EXPECT_EQ(ar, br) << "real leaf " << r << " count " << c.count;
     }
-    for (int m : {1, 2, 3, 5, 8, 9, 13, 32}) {
+    for (int m : {1, 2, 3, 5, 8, 9, 13, 32, 256}) {
       for (ptrdiff_t s : {1, 2}) {
         const size_t n = static_cast<size_t>(r * m * s);
         const auto wc = random_values((r - 1) * m, 3 * m), ws = random_values((r - 1) * m, 5 * m);
