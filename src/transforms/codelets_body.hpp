@@ -221,25 +221,41 @@ inline void store_row(double* p, int i, const V& a, const V& b, const V& c, cons
 
 // kW DFTs at once. In: 0 the DFTs' inputs are side by side (idist 1),
 // 1 they are interleaved complex values side by side (idist 2, imaginary
-// part after the real one) and so are the outputs (os 2), 2 anything else.
-// Outputs of one DFT that are adjacent in memory are transposed into rows
-// and stored whole.
-template <int In> struct LeafVector {
+// part after the real one) and so are the outputs (os 2), 3 interleaved
+// complex values idist apart, 2 anything else. PairOut: the outputs are
+// interleaved complex values (os 2). Outputs of one DFT that are adjacent in
+// memory are transposed into rows and stored whole.
+template <int In, bool PairOut = In == 1> struct LeafVector {
   using T = V;
-  static constexpr bool pair_out = In == 1;
+  static constexpr bool pair_out = PairOut;
   ptrdiff_t idist, odist, os;
   V ld(const double* p) const {
     if constexpr (In == 0) return MemSplit::ld(p);
     if constexpr (In == 1) return MemPair::ld(p);
 #if JQ_LANES == 4
+    if constexpr (In == 3) return pairs(p, evens());
     return V{p[0], p[idist], p[2 * idist], p[3 * idist]};
 #else
     return V{p[0], p[idist]};
 #endif
   }
+#if JQ_LANES == 4
+  // One whole complex value per lane, parted by `which`; the real and the
+  // imaginary parts come from the same four loads.
+  V pairs(const double* re, VI which) const {
+    const V lo = __builtin_shufflevector(jq::fft::JQ_CODELET_NS::ld<V2>(re), jq::fft::JQ_CODELET_NS::ld<V2>(re + idist),
+                                         0, 1, 2, 3);
+    const V hi = __builtin_shufflevector(jq::fft::JQ_CODELET_NS::ld<V2>(re + 2 * idist),
+                                         jq::fft::JQ_CODELET_NS::ld<V2>(re + 3 * idist), 0, 1, 2, 3);
+    return __builtin_shuffle(lo, hi, which);
+  }
+#endif
   V ldi(const double* p) const {
     if constexpr (In == 0) return MemSplit::ldi(p);
     if constexpr (In == 1) return MemPair::ldi(p);
+#if JQ_LANES == 4
+    if constexpr (In == 3) return pairs(p - 1, evens() + 1);
+#endif
     return ld(p);
   }
   void st1(double* p, V v) const {
@@ -330,9 +346,18 @@ inline void leaf_loop(const double* in, double* out, ptrdiff_t is, ptrdiff_t os,
       c = count;
     }
   };
-  if (idist == 1) run(LeafVector<0>{idist, odist, os});
-  else if (idist == 2 && paired_in && paired_out && os == 2) run(LeafVector<1>{idist, odist, os});
-  else run(LeafVector<2>{idist, odist, os});
+  const bool pair_out = paired_out && os == 2;
+  if (idist == 1) {
+    if (pair_out) run(LeafVector<0, true>{idist, odist, os});
+    else run(LeafVector<0>{idist, odist, os});
+  } else if (idist == 2 && paired_in && pair_out) {
+    run(LeafVector<1>{idist, odist, os});
+  } else if (paired_in) {
+    if (pair_out) run(LeafVector<3, true>{idist, odist, os});
+    else run(LeafVector<3>{idist, odist, os});
+  } else {
+    run(LeafVector<2>{idist, odist, os});
+  }
 #if JQ_LANES == 4
   if (c + 2 <= count) {
     body(LeafPair{idist, odist, os}, in + c * idist, out + c * odist, is, os);
@@ -491,7 +516,9 @@ inline void hc_twiddle_loop(double* d, const double* twc, const double* tws, ptr
   if (s == 1)
     for (; k + kW - 1 <= half; k += kW) body(V{}, d + k, d + (m - k), twc + k, tws + k, ms, m);
 #if JQ_LANES == 4
-  if (s == 1) {
+  // A last three bins of a large butterfly go through the buffer as one
+  // vector; other tails as a pair and a single.
+  if (s == 1 && (half < kW || r < 16 || half - k + 1 < kW - 1)) {
     if (k + 1 <= half) {
       body(V2{}, d + k, d + (m - k), twc + k, tws + k, ms, m);
       k += 2;

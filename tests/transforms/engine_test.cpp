@@ -327,7 +327,7 @@ TEST_P(FftVariants, AgreeWithTheBaselineBitForBit) {
   };
   const LeafCase leaves[] = {{1, 1, 1, 1, 0, false}, {7, 1, 1, 7, 1, false}, {6, 2, 2, 6, 3, false},
                              {5, 1, 1, 10, 2, false}, {9, 2, 2, 9, 2, true},  {3, 1, 1, 3, 1, false},
-                             {2, 2, 2, 2, 4, false}};
+                             {2, 2, 2, 2, 4, false}, {3, 2, 2, 7, 6, true}};
   for (int r : kCodeletRadices) {
     const CodeletSet *a = v.find(r), *b = baseline::find(r);
     ASSERT_TRUE(a && b);
