@@ -126,9 +126,12 @@ inline void twiddle(const StageRecord* s, int32_t r, int32_t k, int32_t t, doubl
   im = a * sn + im * c;
 }
 
-// From this sub-length up a level gathers its sub-sequences before
-// recursing into them.
+// From these sub-lengths up a level gathers its sub-sequences before
+// recursing into them. Complex leaves read interleaved inputs a whole value
+// per lane, so they gain from it only when the input no longer fits in the
+// near caches; real leaves would read one value per load.
 constexpr int32_t kGatherFrom = 1 << 15;
+constexpr int32_t kGatherRealFrom = 1 << 13;
 
 // g[j*m + i] = in[(i*r + j) * is]: the r decimated sub-sequences of a level,
 // one after another, in blocks of rows so that reads and writes stay in cache.
@@ -356,7 +359,7 @@ int32_t hc_level(const FFTTable* t, int k, const double* in, double* out, ptrdif
   int32_t rc = kOk;
   if (k == F - 2) {
     rc = hc_leaf(t, F - 1, in, out, r * is, os, is, m * os, r);
-  } else if (L >= kGatherFrom) {
+  } else if (L >= kGatherRealFrom) {
     // Sub-sequence j, read in place, would use one value of every cache
     // line it touches; gathering all r of them in one sweep reads each line
     // once and leaves every sub-sequence contiguous.
