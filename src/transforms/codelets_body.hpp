@@ -355,6 +355,8 @@ inline void leaf_loop(const double* in, double* out, ptrdiff_t is, ptrdiff_t os,
   } else if (paired_in) {
     if (pair_out) run(LeafVector<3, true>{idist, odist, os});
     else run(LeafVector<3>{idist, odist, os});
+  } else if (pair_out) {
+    run(LeafVector<2, true>{idist, odist, os});
   } else {
     run(LeafVector<2>{idist, odist, os});
   }
@@ -403,7 +405,7 @@ inline void cx_twiddle_loop(double* re, double* im, const double* twc, const dou
   if ((split || paired) && conflicting_rows(ms, r)) {
     // As for the half-complex form below: blocks of columns, with their
     // twiddles, copied to closely spaced rows (split parts) and back.
-    constexpr int B = 2 * kW, P = B + kW;
+    constexpr int B = 8 * kW, P = B + kW;
     alignas(32) double buf[4 * kMaxRadix * P];
     double *br = buf, *bi = buf + r * P, *bc = buf + 2 * r * P, *bs = buf + 3 * r * P;
     for (; k + B <= m; k += B) {
@@ -484,7 +486,7 @@ inline void hc_twiddle_loop(double* d, const double* twc, const double* tws, ptr
     // Rows a multiple of 2 KiB apart fall into the same few cache sets, and
     // r of them overflow those sets' ways; blocks of columns are copied to
     // closely spaced rows first, twiddles with them.
-    constexpr int B = 2 * kW, P = B + kW;
+    constexpr int B = 8 * kW, P = B + kW;
     alignas(32) double buf[4 * kMaxRadix * P];
     double *bf = buf, *bb = buf + r * P, *bc = buf + 2 * r * P, *bs = buf + 3 * r * P;
     for (; k + B - 1 <= half; k += B) {
