@@ -39,7 +39,9 @@ void limit_scratch_bytes(size_t bytes);
 template <class T> class Scratch {
  public:
   Scratch() = default;
-  ~Scratch() { scratch_free(p_); }
+  ~Scratch() {
+    if (p_) scratch_free(p_);
+  }
   Scratch(const Scratch&) = delete;
   Scratch& operator=(const Scratch&) = delete;
   // 0 or kNoMemory; n = 0 yields a valid empty array.

@@ -3,15 +3,19 @@
 #define JQ_CODELET_NS baseline
 #include "transforms/codelets_body.hpp"
 
+#include <array>
+
 namespace jq::fft {
 
 namespace avx2 {
 const CodeletSet* find(int radix);
 PrimeBatch prime_batch_kernel();
+ComplexSingle complex_single(int radix);
 }
 namespace avx512 {
 const CodeletSet* find(int radix);
 PrimeBatch prime_batch_kernel();
+ComplexSingle complex_single(int radix);
 }
 
 namespace {
@@ -35,6 +39,19 @@ const CodeletSet* codelets_for(int radix) {
     case Variant::kAvx2: return avx2::find(radix);
     default: return baseline::find(radix);
   }
+}
+
+ComplexSingle complex_single_for(int radix) {
+  // Looked up on every single-factor transform: indexed by radix once.
+  static const auto table = [] {
+    std::array<ComplexSingle, 44> t{};
+    for (int r : kCodeletRadices)
+      t[r] = variant() == Variant::kAvx512 ? avx512::complex_single(r)
+             : variant() == Variant::kAvx2 ? avx2::complex_single(r)
+                                           : baseline::complex_single(r);
+    return t;
+  }();
+  return radix >= 0 && radix < static_cast<int>(table.size()) ? table[radix] : nullptr;
 }
 
 PrimeBatch generic_prime_batch() {

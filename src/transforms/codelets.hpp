@@ -27,4 +27,9 @@ using PrimeBatch = void (*)(const double* cs, const double* sn, int p, const dou
                             double* yr, double* yi, int B);
 PrimeBatch generic_prime_batch();
 
+// One DFT of a codelet radix on interleaved complex data (imaginary part
+// right after the real one), in and out: x at stride is, y at stride os.
+using ComplexSingle = void (*)(const double* x, double* y, ptrdiff_t is, ptrdiff_t os);
+ComplexSingle complex_single_for(int radix);
+
 }  // namespace jq::fft

@@ -222,9 +222,10 @@ inline void store_row(double* p, int i, const V& a, const V& b, const V& c, cons
 // kW DFTs at once. In: 0 the DFTs' inputs are side by side (idist 1),
 // 1 they are interleaved complex values side by side (idist 2, imaginary
 // part after the real one) and so are the outputs (os 2), 3 interleaved
-// complex values idist apart, 2 anything else. PairOut: the outputs are
-// interleaved complex values (os 2). Outputs of one DFT that are adjacent in
-// memory are transposed into rows and stored whole.
+// complex values idist apart, 4 every other value (idist 2), 2 anything
+// else. PairOut: the outputs are interleaved complex values (os 2).
+// Outputs of one DFT that are adjacent in memory are transposed into rows
+// and stored whole.
 template <int In, bool PairOut = In == 1> struct LeafVector {
   using T = V;
   static constexpr bool pair_out = PairOut;
@@ -234,6 +235,9 @@ template <int In, bool PairOut = In == 1> struct LeafVector {
     if constexpr (In == 1) return MemPair::ld(p);
 #if JQ_LANES == 4
     if constexpr (In == 3) return pairs(p, evens());
+    // Every other value; the second load ends at the last one used.
+    if constexpr (In == 4)
+      return __builtin_shuffle(jq::fft::JQ_CODELET_NS::ld<V>(p), jq::fft::JQ_CODELET_NS::ld<V>(p + 3), VI{0, 2, 5, 7});
     return V{p[0], p[idist], p[2 * idist], p[3 * idist]};
 #else
     return V{p[0], p[idist]};
@@ -357,6 +361,8 @@ inline void leaf_loop(const double* in, double* out, ptrdiff_t is, ptrdiff_t os,
     else run(LeafVector<3>{idist, odist, os});
   } else if (pair_out) {
     run(LeafVector<2, true>{idist, odist, os});
+  } else if (idist == 2) {
+    run(LeafVector<4>{idist, odist, os});
   } else {
     run(LeafVector<2>{idist, odist, os});
   }
@@ -606,9 +612,77 @@ void prime_batch(const double* cs, const double* sn, int p, const double* xr, co
   for (; b < B; ++b) prime_lanes<double>(cs, sn, p, xr, xi, yr, yi, B, b);
 }
 
+// One complex DFT of interleaved data as two real ones side by side: lane 0
+// carries the real parts, lane 1 the imaginary parts, through the real
+// butterfly. With A and B the half-complex spectra of the two,
+// X[k] = A[k] + i B[k] and X[r-k] = conj A[k] + i conj B[k].
+#if JQ_LANES == 4
+using P2 = V2;
+#else
+using P2 = V;
+#endif
+
+struct LeafRealImag {
+  using T = P2;
+  P2 ld(const double* p) const { return jq::fft::JQ_CODELET_NS::ld<P2>(p); }
+  P2 ldi(const double* p) const { return ld(p); }
+  void st1(double* p, P2 v) const { st_(p, v); }
+  void st4(double* p, P2 a, P2 b, P2 c, P2 d) const {
+    st_(p, a);
+    st_(p + 2, b);
+    st_(p + 4, c);
+    st_(p + 6, d);
+  }
+};
+
+template <class Leaf>
+inline void complex_via_real(int r, const double* x, ptrdiff_t is, double* out, ptrdiff_t os, Leaf leaf) {
+  alignas(16) double y[2 * kMaxRadix];
+  leaf(LeafRealImag{}, x, y, is, ptrdiff_t{2});
+  out[0] = y[0];
+  out[1] = y[1];
+  for (int k = 1; k < r - k; ++k) {
+    const double ar = y[2 * k], br = y[2 * k + 1], ai = y[2 * (r - k)], bi = y[2 * (r - k) + 1];
+    double* lo = out + k * os;
+    double* hi = out + (r - k) * os;
+    lo[0] = ar - bi;
+    lo[1] = br + ai;
+    hi[0] = ar + bi;
+    hi[1] = br - ai;
+  }
+  if (r % 2 == 0) {
+    out[(r / 2) * os] = y[r];
+    out[(r / 2) * os + 1] = y[r + 1];
+  }
+}
+
+#define JQ_COMPLEX_SINGLE(R)                                                                                 \
+  {R, [](const double* x, double* y, ptrdiff_t is, ptrdiff_t os) {                                         \
+     complex_via_real(R, x, is, y, os, [](const LeafRealImag& a, const double* u, double* v, ptrdiff_t i,      \
+                                          ptrdiff_t o) { hc_leaf_##R##_(a, u, v, i, o); });                   \
+   }}
+
+struct SingleEntry {
+  int radix;
+  ComplexSingle run;
+};
+const SingleEntry kComplexSingles[] = {
+    JQ_COMPLEX_SINGLE(10), JQ_COMPLEX_SINGLE(43), JQ_COMPLEX_SINGLE(41), JQ_COMPLEX_SINGLE(37), JQ_COMPLEX_SINGLE(32),
+    JQ_COMPLEX_SINGLE(31), JQ_COMPLEX_SINGLE(29), JQ_COMPLEX_SINGLE(19), JQ_COMPLEX_SINGLE(18), JQ_COMPLEX_SINGLE(17),
+    JQ_COMPLEX_SINGLE(16), JQ_COMPLEX_SINGLE(14), JQ_COMPLEX_SINGLE(13), JQ_COMPLEX_SINGLE(11), JQ_COMPLEX_SINGLE(9),
+    JQ_COMPLEX_SINGLE(8),  JQ_COMPLEX_SINGLE(7),  JQ_COMPLEX_SINGLE(5),  JQ_COMPLEX_SINGLE(4),  JQ_COMPLEX_SINGLE(3),
+    JQ_COMPLEX_SINGLE(2)};
+#undef JQ_COMPLEX_SINGLE
+
 }  // namespace
 
 PrimeBatch prime_batch_kernel() { return prime_batch; }
+
+ComplexSingle complex_single(int radix) {
+  for (const SingleEntry& e : kComplexSingles)
+    if (e.radix == radix) return e.run;
+  return nullptr;
+}
 
 const CodeletSet* find(int radix) {
   for (const CodeletSet& c : kCodeletSets)

@@ -148,6 +148,13 @@ void gather_decimated(const double* in, ptrdiff_t is, int32_t r, int32_t m, doub
 
 // ---- complex path ------------------------------------------------------------
 
+bool via_real(int32_t r) {
+  switch (r) {
+    case 11: case 13: case 14: case 17: case 18: case 29: case 31: case 32: case 37: case 41: case 43: return true;
+    default: return false;
+  }
+}
+
 int32_t cx_prime_leaf(const Level& lv, const double* ir, const double* ii, double* or_, double* oi, ptrdiff_t is,
                       ptrdiff_t os, ptrdiff_t idist, ptrdiff_t odist, int count) {
   PrimeWork w(lv);
@@ -437,6 +444,15 @@ int32_t ExecuteComplexFFT(const FFTTable* t, const double* ir, const double* ii,
     return kOk;
   }
   if (t->factor_count == 1 && t->kinds[0] == kCodelet) {
+    // Interleaved data run as two real transforms side by side where that
+    // was measured faster (for the small radices and 16 and 19 the
+    // recombination costs more than it saves).
+    if (via_real(n) && ii == ir + 1 && oi == or_ + 1) {
+      if (ComplexSingle run = complex_single_for(n)) {
+        run(ir, or_, is, os);
+        return kOk;
+      }
+    }
     t->complex_leaf[0](ir, ii, or_, oi, is, os, 0, 0, 1);
     return kOk;
   }
