@@ -27,9 +27,11 @@ using PrimeBatch = void (*)(const double* cs, const double* sn, int p, const dou
                             double* yr, double* yi, int B);
 PrimeBatch generic_prime_batch();
 
-// One DFT of a codelet radix on interleaved complex data (imaginary part
-// right after the real one), in and out: x at stride is, y at stride os.
-using ComplexSingle = void (*)(const double* x, double* y, ptrdiff_t is, ptrdiff_t os);
+// count DFTs of a codelet radix on interleaved complex data (imaginary part
+// right after the real one), in and out: DFT c reads x + c * idist at
+// stride is and writes y + c * odist at stride os.
+using ComplexSingle = void (*)(const double* x, double* y, ptrdiff_t is, ptrdiff_t os, ptrdiff_t idist,
+                               ptrdiff_t odist, int count);
 ComplexSingle complex_single_for(int radix);
 
 }  // namespace jq::fft

@@ -635,31 +635,87 @@ struct LeafRealImag {
   }
 };
 
-template <class Leaf>
-inline void complex_via_real(int r, const double* x, ptrdiff_t is, double* out, ptrdiff_t os, Leaf leaf) {
-  alignas(16) double y[2 * kMaxRadix];
-  leaf(LeafRealImag{}, x, y, is, ptrdiff_t{2});
-  out[0] = y[0];
-  out[1] = y[1];
+
+// Recombines the real spectra A (lane 0) and B (lane 1) of one complex DFT
+// held in y, value q at y[2q]: X[k] = (Ar - Bi, Br + Ai) and
+// X[r-k] = (Ar + Bi, Br - Ai), as U + M and U - M with M = (-Bi, Ai).
+inline void recombine(int r, const double* y, double* out, ptrdiff_t os) {
+  st_(out, jq::fft::JQ_CODELET_NS::ld<P2>(y));
   for (int k = 1; k < r - k; ++k) {
-    const double ar = y[2 * k], br = y[2 * k + 1], ai = y[2 * (r - k)], bi = y[2 * (r - k) + 1];
-    double* lo = out + k * os;
-    double* hi = out + (r - k) * os;
-    lo[0] = ar - bi;
-    lo[1] = br + ai;
-    hi[0] = ar + bi;
-    hi[1] = br - ai;
+    const P2 u = jq::fft::JQ_CODELET_NS::ld<P2>(y + 2 * k);
+    const P2 m = reversed(jq::fft::JQ_CODELET_NS::ld<P2>(y + 2 * (r - k))) * P2{-1.0, 1.0};
+    st_(out + k * os, u + m);
+    st_(out + (r - k) * os, u - m);
   }
-  if (r % 2 == 0) {
-    out[(r / 2) * os] = y[r];
-    out[(r / 2) * os + 1] = y[r + 1];
+  if (r % 2 == 0) st_(out + (r / 2) * os, jq::fft::JQ_CODELET_NS::ld<P2>(y + r));
+}
+
+#if JQ_LANES == 4
+// The same for two DFTs whose spectra share the lanes of y (value q of the
+// first at y[4q], of the second at y[4q + 2]); the same operations on each.
+inline void recombine_pair(int r, const double* y, double* a, double* b, ptrdiff_t os) {
+  auto put = [](double* p, double* q, V v) {
+    st_(p, __builtin_shufflevector(v, v, 0, 1));
+    st_(q, __builtin_shufflevector(v, v, 2, 3));
+  };
+  put(a, b, jq::fft::JQ_CODELET_NS::ld<V>(y));
+  for (int k = 1; k < r - k; ++k) {
+    const V u = jq::fft::JQ_CODELET_NS::ld<V>(y + 4 * k);
+    const V w = jq::fft::JQ_CODELET_NS::ld<V>(y + 4 * (r - k));
+    const V m = __builtin_shuffle(w, VI{1, 0, 3, 2}) * V{-1.0, 1.0, -1.0, 1.0};
+    put(a + k * os, b + k * os, u + m);
+    put(a + (r - k) * os, b + (r - k) * os, u - m);
+  }
+  if (r % 2 == 0) put(a + (r / 2) * os, b + (r / 2) * os, jq::fft::JQ_CODELET_NS::ld<V>(y + 2 * r));
+}
+#endif
+
+#if JQ_LANES == 4
+// Two complex DFTs idist apart at once, four real ones across the lanes.
+struct LeafRealImag2 {
+  using T = V;
+  ptrdiff_t idist;
+  V ld(const double* p) const {
+    return __builtin_shufflevector(jq::fft::JQ_CODELET_NS::ld<V2>(p), jq::fft::JQ_CODELET_NS::ld<V2>(p + idist), 0, 1,
+                                   2, 3);
+  }
+  V ldi(const double* p) const { return ld(p); }
+  void st1(double* p, V v) const { st_(p, v); }
+  void st4(double* p, V a, V b, V c, V d) const {
+    st_(p, a);
+    st_(p + 4, b);
+    st_(p + 8, c);
+    st_(p + 12, d);
+  }
+};
+#endif
+
+// count DFTs, DFT c at x + c * idist and out + c * odist; pairs of them
+// share a vector where there are four lanes.
+template <int R, class Leaf>
+inline void complex_via_real(const double* x, ptrdiff_t is, ptrdiff_t idist, double* out, ptrdiff_t os,
+                             ptrdiff_t odist, int count, Leaf leaf) {
+  int c = 0;
+#if JQ_LANES == 4
+  for (; c + 2 <= count; c += 2) {
+    alignas(32) double y[4 * R];
+    leaf(LeafRealImag2{idist}, x + c * idist, y, is, ptrdiff_t{4});
+    recombine_pair(R, y, out + c * odist, out + (c + 1) * odist, os);
+  }
+#endif
+  for (; c < count; ++c) {
+    alignas(16) double y[2 * R];
+    leaf(LeafRealImag{}, x + c * idist, y, is, ptrdiff_t{2});
+    recombine(R, y, out + c * odist, os);
   }
 }
 
-#define JQ_COMPLEX_SINGLE(R)                                                                                 \
-  {R, [](const double* x, double* y, ptrdiff_t is, ptrdiff_t os) {                                         \
-     complex_via_real(R, x, is, y, os, [](const LeafRealImag& a, const double* u, double* v, ptrdiff_t i,      \
-                                          ptrdiff_t o) { hc_leaf_##R##_(a, u, v, i, o); });                   \
+#define JQ_COMPLEX_SINGLE(R)                                                                                   \
+  {R, [](const double* x, double* y, ptrdiff_t is, ptrdiff_t os, ptrdiff_t idist, ptrdiff_t odist, int count) { \
+     complex_via_real<R>(x, is, idist, y, os, odist, count,                                                    \
+                         [](const auto& a, const double* u, double* v, ptrdiff_t i, ptrdiff_t o) {             \
+                           hc_leaf_##R##_(a, u, v, i, o);                                                      \
+                         });                                                                                   \
    }}
 
 struct SingleEntry {

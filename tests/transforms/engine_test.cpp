@@ -6,6 +6,7 @@
 #include <chrono>
 #include <cstddef>
 #include <thread>
+#include <tuple>
 
 #include "frame/errors.hpp"
 #include "reference.hpp"
@@ -243,11 +244,16 @@ TEST(FftEngine, StridedInterleavedDataMatchesSplitData) {
     ExecuteRealFFT(tab.t, inter.data(), h.data(), 2, 2, n);
     std::vector<double> hr(n);
     ExecuteRealFFT(tab.t, xr.data(), hr.data(), 1, 1, n);
+    // Small leaves of interleaved complex data may run as real transforms
+    // side by side, so the complex results agree to rounding; the real ones
+    // take the same path and agree exactly.
+    long double d = 0, norm = 0;
     for (int32_t k = 0; k < n; ++k) {
-      EXPECT_EQ(out[2 * k], yr[k]);
-      EXPECT_EQ(out[2 * k + 1], yi[k]);
+      d += std::norm(std::complex<long double>(out[2 * k] - yr[k], out[2 * k + 1] - yi[k]));
+      norm += std::norm(std::complex<long double>(yr[k], yi[k]));
       EXPECT_EQ(h[2 * k], hr[k]);
     }
+    EXPECT_LT(std::sqrt(static_cast<double>(d / norm)), bound(tab.t)) << "n = " << n;
   }
 }
 
@@ -357,13 +363,15 @@ TEST_P(FftVariants, AgreeWithTheBaselineBitForBit) {
       b->real_leaf(xr.data(), br.data(), is, c.os, c.idist, odist, c.count);
       EXPECT_EQ(ar, br) << "real leaf " << r << " count " << c.count;
     }
-    // One interleaved complex DFT as two real ones, at strides of 2 and 6.
-    for (ptrdiff_t st : {2, 6}) {
-      const auto x = random_values(static_cast<int32_t>(st * r), r + 3);
-      std::vector<double> ya(st * r), yb(st * r);
-      v.single(r)(x.data(), ya.data(), st, st);
-      baseline::complex_single(r)(x.data(), yb.data(), st, st);
-      EXPECT_EQ(ya, yb) << "complex single " << r << " stride " << st;
+    // Interleaved complex DFTs as real ones side by side: one at strides of
+    // 2 and 6, three 2 values apart (a pair and a single).
+    for (auto [st, dist, count] : {std::tuple<ptrdiff_t, ptrdiff_t, int>{2, 0, 1}, {6, 0, 1}, {6, 2, 3}}) {
+      const size_t len = static_cast<size_t>(st * r + dist * count);
+      const auto x = random_values(static_cast<int32_t>(len), r + 3);
+      std::vector<double> ya(len), yb(len);
+      v.single(r)(x.data(), ya.data(), st, st, dist, dist, count);
+      baseline::complex_single(r)(x.data(), yb.data(), st, st, dist, dist, count);
+      EXPECT_EQ(ya, yb) << "complex via real " << r << " stride " << st << " count " << count;
     }
     for (int m : {1, 2, 3, 5, 8, 9, 13, 32, 256}) {
       for (ptrdiff_t s : {1, 2}) {
